@@ -1,0 +1,13 @@
+# Options of the build. Tests and examples default on only when this is the top-level project,
+# so that a parent project that adds us with add_subdirectory gets just the library.
+
+option(KORVO_BUILD_TESTS "Build the tests" ${PROJECT_IS_TOP_LEVEL})
+option(KORVO_BUILD_EXAMPLES "Build the example programs" ${PROJECT_IS_TOP_LEVEL})
+option(KORVO_WARNINGS_AS_ERRORS "Treat compiler warnings as errors" OFF)
+set(KORVO_SANITIZE "" CACHE STRING
+    "Sanitizers to build with: empty, 'address,undefined' or 'thread'")
+set_property(CACHE KORVO_SANITIZE PROPERTY STRINGS "" "address,undefined" "thread")
+
+if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
+    set(CMAKE_BUILD_TYPE RelWithDebInfo CACHE STRING "Build type" FORCE)
+endif()

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <memory>
+
+#include <thrift/TConfiguration.h>
+#include <thrift/Thrift.h>
+#include <thrift/protocol/TCompactProtocol.h>
+
+#include <Korvo/Common/Serialization/Buffer.h>
+#include <Korvo/Common/Serialization/InvalidFormatException.h>
+#include <Korvo/Common/Serialization/Thrift/PermissiveMemoryBuffer.h>
+
+namespace Korvo::Common::Serialization {
+
+/// The text of every parse failure.
+inline constexpr const char* kUnparsableInputMessage =
+    "The input could not be parsed by the deserializer";
+
+namespace Detail {
+/// Decoder limits for one frame of `size` bytes: a message can never claim more than the frame.
+std::shared_ptr<apache::thrift::TConfiguration> FrameConfiguration(unsigned int size);
+}  // namespace Detail
+
+/// Decodes compact-protocol bytes into one wire record `G`, reading them in place (no copy).
+/// Stateless; may run on any number of threads at once.
+template <class G>
+class DeserializerImpl {
+public:
+    using Record = G;
+
+    /// Fills `record` from `size` bytes at `bytes` (which may be null when `size` is 0). Throws
+    /// `InvalidFormatException` "The input could not be parsed by the deserializer" for any Thrift
+    /// failure (truncated input, wrong types, a missing required field, a limit exceeded); other
+    /// exceptions such as `std::bad_alloc` pass through.
+    void Deserialize(const unsigned char* bytes, unsigned int size, G& record) const {
+        using apache::thrift::transport::TMemoryBuffer;
+        try {
+            auto transport = std::make_shared<Thrift::PermissiveMemoryBuffer>(
+                const_cast<unsigned char*>(bytes), size, TMemoryBuffer::OBSERVE,
+                Detail::FrameConfiguration(size));
+            apache::thrift::protocol::TCompactProtocolT<Thrift::PermissiveMemoryBuffer> protocol(
+                transport);
+            record.read(&protocol);
+        } catch (const apache::thrift::TException&) {
+            throw InvalidFormatException(kUnparsableInputMessage);
+        }
+    }
+
+    /// The same over a buffer's `Pointer()` and `Size()`; the bytes stay the caller's.
+    void Deserialize(const Buffer& buffer, G& record) const {
+        Deserialize(buffer.Pointer(), buffer.Size(), record);
+    }
+};
+
+}  // namespace Korvo::Common::Serialization

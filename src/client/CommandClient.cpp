@@ -1,0 +1,224 @@
+#include <Korvo/Plexis/Tessel/Client/CommandClient.h>
+
+#include <time.h>
+
+#include <string>
+
+#include <Korvo/Common/Messaging/ObjectShutDownException.h>
+#include <Korvo/Common/Messaging/TransportException.h>
+#include <Korvo/Plexis/Tessel/Logging/Loggers.h>
+
+#include "logging/LogSupport.h"
+
+namespace Korvo::Plexis::Tessel::Client {
+namespace {
+
+using Common::Messaging::ObjectShutDownException;
+using Common::Messaging::TransportException;
+using Logging::ILogger;
+using Logging::Log;
+using Logging::LogComposed;
+
+constexpr const char* kSource = "Korvo/Plexis/Tessel/Client/CommandClient";
+
+// The client whose reception thread is the current thread, if any: lets Stop, run by the
+// reception thread after a transport failure, skip joining itself.
+thread_local const CommandClient* receptionOwner = nullptr;
+
+void SleepAfterEmptyReceive() {
+    const timespec interval{0, 10'000'000};
+    nanosleep(&interval, nullptr);
+}
+
+}  // namespace
+
+CommandClient::CommandClient(std::unique_ptr<BaseClientMessenger> messenger,
+                             std::shared_ptr<CommandParamsPayloadBuilder> payloadBuilder,
+                             std::shared_ptr<CommandReplyBuilder> replyBuilder)
+    : messenger(std::move(messenger)),
+      payloadBuilder(std::move(payloadBuilder)),
+      replyBuilder(std::move(replyBuilder)),
+      logger(Logging::Loggers::GetInstance().GetLogger("CommandClient")),
+      requestMap(std::make_shared<RequestMap>()) {
+    StartReceptionThread();
+    Log(logger, ILogger::Info, "Started.", kSource, __LINE__);
+}
+
+CommandClient::~CommandClient() {
+    try {
+        Stop();
+    } catch (...) {
+        // A messenger whose ShutDown throws must not end the process from a destructor.
+    }
+    if (receptionThread.joinable()) {
+        requestMap->active.exchange(false);
+        if (receptionOwner == this) {
+            receptionThread.detach();
+        } else {
+            receptionThread.join();
+        }
+    }
+}
+
+void CommandClient::StartReceptionThread() {
+    receptionThread = std::thread(&CommandClient::ProcessReception, this);
+}
+
+void CommandClient::JoinReceptionThread() {
+    if (receptionThread.joinable() && receptionOwner != this) {
+        receptionThread.join();
+    }
+}
+
+std::unique_ptr<PendingCommandReply> CommandClient::Request(
+    const std::string& commandName, const HighLevelOperations::Commands::CommandParams& params) {
+    if (!requestMap || !requestMap->active.load()) {
+        return nullptr;
+    }
+    // Whatever the builder throws reaches the caller; no ticket has been taken yet.
+    std::unique_ptr<Common::Serialization::Buffer> payload =
+        payloadBuilder->BuildPayload(commandName, params);
+    if (!payload) {
+        Log(logger, ILogger::Error, "Request: failed to build command payload.", kSource, __LINE__);
+        return nullptr;
+    }
+
+    auto replies = std::make_shared<RequestMap::ReplyQueue>();
+    const int requestId = requestMap->Register(replies);
+
+    std::string failure;
+    int failureLine = 0;
+    try {
+        messenger->Send(requestId, commandName, *payload);
+        return std::make_unique<PendingCommandReply>(replyBuilder, requestMap, requestId,
+                                                     std::move(replies));
+    } catch (const ObjectShutDownException&) {
+        failure = "Request: internal Messenger shut down.";
+        failureLine = __LINE__;
+    } catch (const TransportException& error) {
+        failure = std::string("Request: internal Messenger error (") + error.what() + ").";
+        failureLine = __LINE__;
+    } catch (const std::exception& error) {
+        failure = std::string("Request: unknown error (") + error.what() + ").";
+        failureLine = __LINE__;
+    } catch (...) {
+        requestMap->Forget(requestId, replies);
+        throw;
+    }
+    Log(logger, ILogger::Fatal, failure.c_str(), kSource, failureLine);
+    Stop();
+    return nullptr;
+}
+
+void CommandClient::ProcessReception() {
+    receptionOwner = this;
+    std::string failure;
+    int failureLine = 0;
+    try {
+        while (requestMap && requestMap->active.load()) {
+            std::unique_ptr<BaseMessage> message = messenger->Receive();
+            if (!message || !message->IsValid()) {
+                SleepAfterEmptyReceive();
+                continue;
+            }
+            const int ticket = message->GetOrigin().GetTicket();
+            const bool partial = IsPartialReplyHeader(message->GetHeader());
+
+            std::lock_guard<std::recursive_mutex> lock(requestMap->mutex);
+            auto found = requestMap->requests.find(ticket);
+            if (found == requestMap->requests.end()) {
+                continue;  // answers a request that was cancelled, abandoned or never made
+            }
+            RequestMap::ReplyQueue& replies = *found->second;
+            if (partial) {
+                if (!replies.IsClosed()) {
+                    replies.Push(std::move(message));
+                }
+            } else {
+                replies.Close();
+                replies.Push(std::move(message));
+                requestMap->requests.erase(found);
+            }
+        }
+    } catch (const ObjectShutDownException&) {
+        // Stop shuts the messenger down while this thread may be inside Receive; only a shut-down
+        // that nobody asked for is a failure.
+        if (requestMap->active.load()) {
+            failure = "ProcessReception: internal Messenger shut down.";
+            failureLine = __LINE__;
+        }
+    } catch (const TransportException& error) {
+        failure = std::string("ProcessReception: internal Messenger error (") + error.what() + ").";
+        failureLine = __LINE__;
+    } catch (const std::exception& error) {
+        failure = std::string("ProcessReception: unknown error (") + error.what() + ").";
+        failureLine = __LINE__;
+    }
+    if (!failure.empty()) {
+        Log(logger, ILogger::Fatal, failure.c_str(), kSource, failureLine);
+        Stop();
+    }
+    Log(logger, ILogger::Info, "ProcessReception: stopped.", kSource, __LINE__);
+    receptionOwner = nullptr;
+}
+
+void CommandClient::Pause(bool pause) {
+    if (!pause) {
+        if (requestMap->active.load() || messenger->IsShutDown()) {
+            return;
+        }
+        JoinReceptionThread();  // already ended: it left its loop when `active` went false
+        requestMap->active.exchange(true);
+        StartReceptionThread();
+        return;
+    }
+    if (!requestMap->active.load()) {
+        return;
+    }
+    const std::size_t abandoned = requestMap->CancelPending();
+    if (abandoned != 0) {
+        LogComposed(
+            logger, ILogger::Warning,
+            [abandoned] {
+                return "Pause called with " + std::to_string(abandoned) +
+                       " requests were still waiting for a response.";
+            },
+            kSource, __LINE__);
+    }
+    JoinReceptionThread();
+}
+
+void CommandClient::Stop() {
+    std::size_t abandoned = 0;
+    {
+        std::lock_guard<std::mutex> lock(stopMutex);
+        if (messenger->IsShutDown()) {
+            return;
+        }
+        if (!requestMap->active.load()) {
+            // Paused: no reception thread runs, nothing is pending.
+            messenger->ShutDown();
+            Log(logger, ILogger::Info, "Shut down.", kSource, __LINE__);
+            return;
+        }
+        abandoned = requestMap->CancelPending();
+        messenger->ShutDown();
+    }
+    if (abandoned != 0) {
+        LogComposed(
+            logger, ILogger::Warning,
+            [abandoned] {
+                return "Stop called with " + std::to_string(abandoned) +
+                       " requests were still waiting for a response.";
+            },
+            kSource, __LINE__);
+    }
+    JoinReceptionThread();
+    Log(logger, ILogger::Info, "Shut down.", kSource, __LINE__);
+}
+
+Common::Messaging::ConnectionState CommandClient::GetConnectionState() const {
+    return messenger->GetConnectionState();
+}
+
+}  // namespace Korvo::Plexis::Tessel::Client

@@ -1,0 +1,100 @@
+#pragma once
+
+#include <atomic>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include <Korvo/Plexis/Tessel/Logging/ILogger.h>
+#include <Korvo/Plexis/Tessel/Logging/ILoggerFactory.h>
+
+namespace Korvo::Testing {
+
+using Plexis::Tessel::Logging::ILogger;
+
+/// One message a RecordingLogger received.
+struct LogRecord {
+    ILogger::Level level;
+    std::string text;
+    std::string sourceFile;
+    int line;
+};
+
+/// A logger that keeps every message it lets through, for tests to inspect. Thread-safe.
+class RecordingLogger final : public ILogger {
+public:
+    explicit RecordingLogger(std::string name) : name(std::move(name)) {}
+
+    void Log(Level level, const char* message, const char* sourceFile, int line) override {
+        Log(level, std::string(message), sourceFile, line);
+    }
+
+    void Log(Level messageLevel, const std::string& message, const char* sourceFile,
+             int line) override {
+        std::lock_guard<std::mutex> lock(mutex);
+        records.push_back({messageLevel, message, sourceFile ? sourceFile : "", line});
+    }
+
+    void SetLevel(Level newLevel) override { level.store(newLevel); }
+
+    const Level& GetLevel() const override {
+        thread_local Level snapshot;
+        snapshot = level.load();
+        return snapshot;
+    }
+
+    const std::string& Name() const { return name; }
+
+    std::vector<LogRecord> Records() const {
+        std::lock_guard<std::mutex> lock(mutex);
+        return records;
+    }
+
+    /// The texts of the records, in order.
+    std::vector<std::string> Texts() const {
+        std::vector<std::string> texts;
+        for (const auto& record : Records()) {
+            texts.push_back(record.text);
+        }
+        return texts;
+    }
+
+    /// Whether a record with exactly this level and text was kept.
+    bool Has(Level messageLevel, const std::string& text) const {
+        for (const auto& record : Records()) {
+            if (record.level == messageLevel && record.text == text) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    void Clear() {
+        std::lock_guard<std::mutex> lock(mutex);
+        records.clear();
+    }
+
+private:
+    const std::string name;
+    std::atomic<Level> level{Warning};
+    mutable std::mutex mutex;
+    std::vector<LogRecord> records;
+};
+
+/// Makes RecordingLoggers and counts how often it was asked.
+class RecordingLoggerFactory final : public Plexis::Tessel::Logging::ILoggerFactory {
+public:
+    std::unique_ptr<ILogger> CreateLogger(const std::string& name) override {
+        ++created;
+        return std::make_unique<RecordingLogger>(name);
+    }
+
+    std::atomic<int> created{0};
+};
+
+/// The process-wide registry's logger for `name`, made a RecordingLogger: installs a
+/// RecordingLoggerFactory on first use, empties the logger and sets its level.
+std::shared_ptr<RecordingLogger> RecordedLogger(const std::string& name, ILogger::Level level);
+
+}  // namespace Korvo::Testing
