@@ -1,0 +1,66 @@
+#!/usr/bin/env bash
+# Installs what the project needs, builds it and runs it, from a fresh clone on Debian bookworm.
+#
+#   scripts/bootstrap.sh demo   build the default preset and run the demo
+#   scripts/bootstrap.sh test   build the default, asan and tsan presets and run every test in each
+#
+# Only the Debian packages that are missing are installed, after one `apt-get update`; as a
+# non-root user the script uses sudo for that step.
+set -euo pipefail
+
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+
+packages=(
+    g++ make cmake ninja-build pkgconf
+    libthrift-dev thrift-compiler libboost-dev
+    libzmq3-dev cppzmq-dev
+    libgtest-dev libgmock-dev libbenchmark-dev
+    libcli11-dev nlohmann-json3-dev
+    clang libclang-rt-14-dev
+)
+
+install_missing() {
+    local missing=() package
+    for package in "${packages[@]}"; do
+        if [[ "$(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null)" != installed ]]; then
+            missing+=("$package")
+        fi
+    done
+    if ((${#missing[@]} == 0)); then
+        return
+    fi
+    echo "Installing: ${missing[*]}"
+    local sudo=()
+    if [[ "$(id -u)" != 0 ]]; then
+        sudo=(sudo)
+    fi
+    "${sudo[@]}" apt-get update
+    "${sudo[@]}" env DEBIAN_FRONTEND=noninteractive \
+        apt-get install -y --no-install-recommends "${missing[@]}"
+}
+
+build() {
+    local preset=$1
+    cmake --preset "$preset"
+    cmake --build --preset "$preset" -j "$(nproc)"
+}
+
+case "${1:-}" in
+    demo)
+        install_missing
+        build default
+        ./build/default/examples/command_client_example
+        ;;
+    test)
+        install_missing
+        for preset in default asan tsan; do
+            echo "=== ${preset} ==="
+            build "$preset"
+            ctest --preset "$preset"
+        done
+        ;;
+    *)
+        echo "usage: $0 demo|test" >&2
+        exit 2
+        ;;
+esac
