@@ -25,7 +25,9 @@ using Korvo::Common::Serialization::PointerBuffer;
 class EchoMessage final : public Client::BaseMessage {
 public:
     EchoMessage(int ticket, std::string header, std::string text)
-        : origin(ticket), header(std::move(header)), text(std::move(text)),
+        : origin(ticket),
+          header(std::move(header)),
+          text(std::move(text)),
           view(reinterpret_cast<unsigned char*>(this->text.data()),
                static_cast<unsigned int>(this->text.size())) {}
     const unsigned char* Data() const override { return view.Pointer(); }
@@ -105,8 +107,8 @@ struct TextReply final : HighLevelOperations::Commands::CommandReply {
 
 class TextPayloadBuilder final : public Client::CommandParamsPayloadBuilder {
 public:
-    std::unique_ptr<Buffer> BuildPayload(const std::string&,
-                                         const HighLevelOperations::Commands::CommandParams& params) override {
+    std::unique_ptr<Buffer> BuildPayload(
+        const std::string&, const HighLevelOperations::Commands::CommandParams& params) override {
         const std::string& text = static_cast<const TextParams&>(params).text;
         auto* bytes = static_cast<unsigned char*>(std::malloc(text.size() + 1));
         std::memcpy(bytes, text.data(), text.size());

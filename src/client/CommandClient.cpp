@@ -25,6 +25,35 @@ constexpr const char* kSource = "Korvo/Plexis/Tessel/Client/CommandClient";
 // reception thread after a transport failure, skip joining itself.
 thread_local const CommandClient* receptionOwner = nullptr;
 
+// The log text for the messenger failure being handled; call only inside a catch block of a
+// std::exception. `operation` is "Request" or "ProcessReception".
+std::string DescribeMessengerFailure(const char* operation) {
+    try {
+        throw;
+    } catch (const ObjectShutDownException&) {
+        return std::string(operation) + ": internal Messenger shut down.";
+    } catch (const TransportException& error) {
+        return std::string(operation) + ": internal Messenger error (" + error.what() + ").";
+    } catch (const std::exception& error) {
+        return std::string(operation) + ": unknown error (" + error.what() + ").";
+    }
+}
+
+// The warning of Stop and Pause about requests they cancelled; `operation` is "Stop" or "Pause".
+void LogAbandoned(const std::shared_ptr<ILogger>& logger, const char* operation,
+                  std::size_t abandoned, int line) {
+    if (abandoned == 0) {
+        return;
+    }
+    LogComposed(
+        logger, ILogger::Warning,
+        [&] {
+            return std::string(operation) + " called with " + std::to_string(abandoned) +
+                   " requests were still waiting for a response.";
+        },
+        kSource, line);
+}
+
 void SleepAfterEmptyReceive() {
     const timespec interval{0, 10'000'000};
     nanosleep(&interval, nullptr);
@@ -87,25 +116,17 @@ std::unique_ptr<PendingCommandReply> CommandClient::Request(
     const int requestId = requestMap->Register(replies);
 
     std::string failure;
-    int failureLine = 0;
     try {
         messenger->Send(requestId, commandName, *payload);
         return std::make_unique<PendingCommandReply>(replyBuilder, requestMap, requestId,
                                                      std::move(replies));
-    } catch (const ObjectShutDownException&) {
-        failure = "Request: internal Messenger shut down.";
-        failureLine = __LINE__;
-    } catch (const TransportException& error) {
-        failure = std::string("Request: internal Messenger error (") + error.what() + ").";
-        failureLine = __LINE__;
-    } catch (const std::exception& error) {
-        failure = std::string("Request: unknown error (") + error.what() + ").";
-        failureLine = __LINE__;
+    } catch (const std::exception&) {
+        failure = DescribeMessengerFailure("Request");
     } catch (...) {
         requestMap->Forget(requestId, replies);
         throw;
     }
-    Log(logger, ILogger::Fatal, failure.c_str(), kSource, failureLine);
+    Log(logger, ILogger::Fatal, failure.c_str(), kSource, __LINE__);
     Stop();
     return nullptr;
 }
@@ -113,7 +134,6 @@ std::unique_ptr<PendingCommandReply> CommandClient::Request(
 void CommandClient::ProcessReception() {
     receptionOwner = this;
     std::string failure;
-    int failureLine = 0;
     try {
         while (requestMap && requestMap->active.load()) {
             std::unique_ptr<BaseMessage> message = messenger->Receive();
@@ -144,18 +164,13 @@ void CommandClient::ProcessReception() {
         // Stop shuts the messenger down while this thread may be inside Receive; only a shut-down
         // that nobody asked for is a failure.
         if (requestMap->active.load()) {
-            failure = "ProcessReception: internal Messenger shut down.";
-            failureLine = __LINE__;
+            failure = DescribeMessengerFailure("ProcessReception");
         }
-    } catch (const TransportException& error) {
-        failure = std::string("ProcessReception: internal Messenger error (") + error.what() + ").";
-        failureLine = __LINE__;
-    } catch (const std::exception& error) {
-        failure = std::string("ProcessReception: unknown error (") + error.what() + ").";
-        failureLine = __LINE__;
+    } catch (const std::exception&) {
+        failure = DescribeMessengerFailure("ProcessReception");
     }
     if (!failure.empty()) {
-        Log(logger, ILogger::Fatal, failure.c_str(), kSource, failureLine);
+        Log(logger, ILogger::Fatal, failure.c_str(), kSource, __LINE__);
         Stop();
     }
     Log(logger, ILogger::Info, "ProcessReception: stopped.", kSource, __LINE__);
@@ -175,16 +190,7 @@ void CommandClient::Pause(bool pause) {
     if (!requestMap->active.load()) {
         return;
     }
-    const std::size_t abandoned = requestMap->CancelPending();
-    if (abandoned != 0) {
-        LogComposed(
-            logger, ILogger::Warning,
-            [abandoned] {
-                return "Pause called with " + std::to_string(abandoned) +
-                       " requests were still waiting for a response.";
-            },
-            kSource, __LINE__);
-    }
+    LogAbandoned(logger, "Pause", requestMap->CancelPending(), __LINE__);
     JoinReceptionThread();
 }
 
@@ -204,15 +210,7 @@ void CommandClient::Stop() {
         abandoned = requestMap->CancelPending();
         messenger->ShutDown();
     }
-    if (abandoned != 0) {
-        LogComposed(
-            logger, ILogger::Warning,
-            [abandoned] {
-                return "Stop called with " + std::to_string(abandoned) +
-                       " requests were still waiting for a response.";
-            },
-            kSource, __LINE__);
-    }
+    LogAbandoned(logger, "Stop", abandoned, __LINE__);
     JoinReceptionThread();
     Log(logger, ILogger::Info, "Shut down.", kSource, __LINE__);
 }

@@ -57,8 +57,7 @@ std::unique_ptr<HighLevelOperations::Commands::CommandReply> PendingCommandReply
         throw std::invalid_argument(
             "PendingCommandReply: only a partial or final reply can be built into a reply.");
     }
-    return replyBuilder->BuildCommandReply(item.message->GetHeader(),
-                                           item.message->GetPayload());
+    return replyBuilder->BuildCommandReply(item.message->GetHeader(), item.message->GetPayload());
 }
 
 }  // namespace Korvo::Plexis::Tessel::Client

@@ -63,12 +63,18 @@ std::unique_ptr<ILogger> StandardErrorLoggerFactory::CreateLogger(const std::str
 
 std::string StandardErrorLoggerFactory::LevelName(ILogger::Level level) {
     switch (level) {
-        case ILogger::Trace: return "TRACE";
-        case ILogger::Debug: return "DEBUG";
-        case ILogger::Info: return "INFO";
-        case ILogger::Warning: return "WARNING";
-        case ILogger::Error: return "ERROR";
-        case ILogger::Fatal: return "FATAL";
+        case ILogger::Trace:
+            return "TRACE";
+        case ILogger::Debug:
+            return "DEBUG";
+        case ILogger::Info:
+            return "INFO";
+        case ILogger::Warning:
+            return "WARNING";
+        case ILogger::Error:
+            return "ERROR";
+        case ILogger::Fatal:
+            return "FATAL";
     }
     return std::to_string(static_cast<std::int32_t>(level));
 }

@@ -103,15 +103,16 @@ TEST_F(CommandClientTest, StopReleasesEveryWaiterAndLogsTheCount) {
     }
     std::vector<std::future<Kind>> waiters;
     for (auto& handle : handles) {
-        waiters.push_back(std::async(std::launch::async, [&handle] { return handle->Next().kind; }));
+        waiters.push_back(
+            std::async(std::launch::async, [&handle] { return handle->Next().kind; }));
     }
     client->Stop();
     for (auto& waiter : waiters) {
         ASSERT_EQ(waiter.wait_for(kPatience), std::future_status::ready);
         EXPECT_EQ(waiter.get(), Kind::Cancelled);
     }
-    EXPECT_TRUE(
-        log->Has(ILogger::Warning, "Stop called with 3 requests were still waiting for a response."));
+    EXPECT_TRUE(log->Has(ILogger::Warning,
+                         "Stop called with 3 requests were still waiting for a response."));
     EXPECT_TRUE(log->Has(ILogger::Info, "Shut down."));
     EXPECT_EQ(Send("after stop"), nullptr);
     EXPECT_EQ(server->Sent().size(), 3u);
@@ -138,8 +139,8 @@ TEST_F(CommandClientTest, AbandonedHandleIsForgottenSoStopFindsNothingPending) {
     Send("abandoned").reset();
     auto kept = Send("kept");
     client->Stop();
-    EXPECT_TRUE(
-        log->Has(ILogger::Warning, "Stop called with 1 requests were still waiting for a response."));
+    EXPECT_TRUE(log->Has(ILogger::Warning,
+                         "Stop called with 1 requests were still waiting for a response."));
     EXPECT_EQ(NextOf(*kept).kind, Kind::Cancelled);
 }
 
@@ -202,7 +203,8 @@ TEST_F(CommandClientTest, ReceptionFailureStopsTheClientAndLogsAtSixty) {
     auto waiting = Send("waiting");
     server->FailNextReceive(std::make_exception_ptr(TransportException("link lost")));
     EXPECT_EQ(NextOf(*waiting).kind, Kind::Cancelled);
-    EXPECT_TRUE(log->Has(ILogger::Fatal, "ProcessReception: internal Messenger error (link lost)."));
+    EXPECT_TRUE(
+        log->Has(ILogger::Fatal, "ProcessReception: internal Messenger error (link lost)."));
     // The reception thread stopped the client itself; it must not have tried to join itself.
     client.reset();
     EXPECT_TRUE(log->Has(ILogger::Info, "ProcessReception: stopped."));

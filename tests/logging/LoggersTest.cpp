@@ -87,10 +87,9 @@ TEST(Loggers, ProgramInstanceIsOneObject) {
 }
 
 TEST(StandardErrorLoggerFactory, LineCarriesTimeLevelNameTextAndSource) {
-    EXPECT_EQ(StandardErrorLoggerFactory::FormatLine("2026-11-21T05:53:33.123Z", ILogger::Warning,
-                                                     "CommandClient", "Stop called.",
-                                                     "Korvo/Plexis/Tessel/Client/CommandClient",
-                                                     42),
+    EXPECT_EQ(StandardErrorLoggerFactory::FormatLine(
+                  "2026-11-21T05:53:33.123Z", ILogger::Warning, "CommandClient", "Stop called.",
+                  "Korvo/Plexis/Tessel/Client/CommandClient", 42),
               "2026-11-21T05:53:33.123Z WARNING CommandClient: Stop called. "
               "(Korvo/Plexis/Tessel/Client/CommandClient:42)\n");
     EXPECT_EQ(StandardErrorLoggerFactory::LevelName(ILogger::Fatal), "FATAL");

@@ -124,9 +124,15 @@ TEST(PointerBuffer, ReleasesOwnedBytesExactlyOnceAndViewsNever) {
 }
 
 TEST(DeserializerImpl, UndecodableInputIsInvalidFormat) {
-    const std::string truncated("\x18\x05" "ab", 4);    // claims five bytes, holds two
-    const std::string onlyId("\x18\x01" "x\x00", 4);   // required field 2 missing
-    const std::string wrongType("\x15\x02\x00", 3);     // field 1 as i32: skipped, then 2 missing
+    const std::string truncated(
+        "\x18\x05"
+        "ab",
+        4);  // claims five bytes, holds two
+    const std::string onlyId(
+        "\x18\x01"
+        "x\x00",
+        4);                                          // required field 2 missing
+    const std::string wrongType("\x15\x02\x00", 3);  // field 1 as i32: skipped, then 2 missing
     for (const std::string& input : {std::string(), truncated, onlyId, wrongType}) {
         Needy record;
         try {
@@ -139,7 +145,10 @@ TEST(DeserializerImpl, UndecodableInputIsInvalidFormat) {
         }
     }
     Needy complete;
-    const std::string valid("\x18\x01" "x\x15\x04\x00", 6);
+    const std::string valid(
+        "\x18\x01"
+        "x\x15\x04\x00",
+        6);
     DeserializerImpl<Needy>().Deserialize(reinterpret_cast<const unsigned char*>(valid.data()), 6,
                                           complete);
     EXPECT_EQ(complete.id, "x");

@@ -58,7 +58,8 @@ public:
     std::unique_ptr<CommandReply> BuildCommandReply(
         const std::string& replyType, const Common::Serialization::Buffer& buffer) override {
         if (replyType == "Garbage") {
-            throw std::invalid_argument("TextReplyBuilder:BuildCommandReply: Unknown command type.");
+            throw std::invalid_argument(
+                "TextReplyBuilder:BuildCommandReply: Unknown command type.");
         }
         return std::make_unique<TextReply>(
             replyType, std::string(reinterpret_cast<const char*>(buffer.Pointer()), buffer.Size()));

@@ -14,11 +14,16 @@ enum class ConnectionState {
 /// "Connecting", "Connected", ... for logs and tools.
 inline const char* ToString(ConnectionState state) noexcept {
     switch (state) {
-        case ConnectionState::Connecting: return "Connecting";
-        case ConnectionState::Connected: return "Connected";
-        case ConnectionState::Reconnecting: return "Reconnecting";
-        case ConnectionState::Disconnected: return "Disconnected";
-        case ConnectionState::ShutDown: return "ShutDown";
+        case ConnectionState::Connecting:
+            return "Connecting";
+        case ConnectionState::Connected:
+            return "Connected";
+        case ConnectionState::Reconnecting:
+            return "Reconnecting";
+        case ConnectionState::Disconnected:
+            return "Disconnected";
+        case ConnectionState::ShutDown:
+            return "ShutDown";
     }
     return "Unknown";
 }

@@ -23,7 +23,8 @@ public:
     ~PointerBuffer() override;
 
     /// An owning buffer over bytes obtained with `malloc`, released with `free`. Ownership passes
-    /// in even when this throws (`std::bad_alloc`): the bytes are freed before the exception leaves.
+    /// in even when this throws (`std::bad_alloc`): the bytes are freed before the exception
+    /// leaves.
     static std::unique_ptr<PointerBuffer> AdoptMalloced(unsigned char* pointer, unsigned int size);
 
     PointerBuffer(const PointerBuffer&) = delete;

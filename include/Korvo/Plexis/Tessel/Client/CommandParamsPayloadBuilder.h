@@ -18,7 +18,8 @@ public:
     /// type." for a name it does not know and `InvalidConversionException` when the parameters
     /// cannot be converted. `params` must be of the class that the name implies.
     virtual std::unique_ptr<Common::Serialization::Buffer> BuildPayload(
-        const std::string& commandName, const HighLevelOperations::Commands::CommandParams& params) = 0;
+        const std::string& commandName,
+        const HighLevelOperations::Commands::CommandParams& params) = 0;
 };
 
 }  // namespace Korvo::Plexis::Tessel::Client

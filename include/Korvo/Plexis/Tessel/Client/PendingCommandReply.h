@@ -58,8 +58,7 @@ public:
     /// message's header and bytes). Throws `std::invalid_argument` when there is no message to
     /// build from, and whatever the reply builder throws (`std::invalid_argument` for an unknown
     /// type or undecodable bytes).
-    std::unique_ptr<HighLevelOperations::Commands::CommandReply> BuildReply(
-        const Item& item) const;
+    std::unique_ptr<HighLevelOperations::Commands::CommandReply> BuildReply(const Item& item) const;
 
 private:
     Item Classify(std::unique_ptr<BaseMessage> message);

@@ -15,7 +15,7 @@ public:
     /// Severity of a message. A message is written when its level is greater than or equal to
     /// the logger's level. Any other 32-bit value is allowed and orders numerically.
     enum Level : std::int32_t {
-        Trace = 10,    ///< per-message tracing; the notification loop's end
+        Trace = 10,  ///< per-message tracing; the notification loop's end
         Debug = 20,
         Info = 30,     ///< life-cycle events: start, stop
         Warning = 40,  ///< the registry's default level
@@ -29,8 +29,7 @@ public:
     virtual void Log(Level level, const char* message, const char* sourceFile, int line) = 0;
 
     /// Writes one composed message; same contract as the overload above.
-    virtual void Log(Level level, const std::string& message, const char* sourceFile,
-                     int line) = 0;
+    virtual void Log(Level level, const std::string& message, const char* sourceFile, int line) = 0;
 
     /// Changes the threshold below which messages are not written.
     virtual void SetLevel(Level level) = 0;
