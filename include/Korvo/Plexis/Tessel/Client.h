@@ -33,3 +33,16 @@
 #include <Korvo/Plexis/Tessel/Logging/ILoggerFactory.h>
 #include <Korvo/Plexis/Tessel/Logging/Loggers.h>
 #include <Korvo/Plexis/Tessel/Logging/StandardErrorLoggerFactory.h>
+#include <Korvo/Plexis/Tessel/Serialization/Thrift/Records/AnglesGroups.h>
+#include <Korvo/Plexis/Tessel/Serialization/Thrift/Records/Channels.h>
+#include <Korvo/Plexis/Tessel/Serialization/Thrift/Records/Clips.h>
+#include <Korvo/Plexis/Tessel/Serialization/Thrift/Records/Commands.h>
+#include <Korvo/Plexis/Tessel/Serialization/Thrift/Records/Common.h>
+#include <Korvo/Plexis/Tessel/Serialization/Thrift/Records/DataCommands.h>
+#include <Korvo/Plexis/Tessel/Serialization/Thrift/Records/Notifications.h>
+#include <Korvo/Plexis/Tessel/Serialization/Thrift/Records/Replies.h>
+#include <Korvo/Plexis/Tessel/Serialization/Thrift/Records/Sequences.h>
+#include <Korvo/Plexis/Tessel/Serialization/Thrift/Records/Servers.h>
+#include <Korvo/TimePoints/CalendarTools/DayPerMonth.h>
+#include <Korvo/TimePoints/TimeCode.h>
+#include <Korvo/TimePoints/TimeCodeBuilder.h>
