@@ -99,9 +99,8 @@ struct TextParams final : HighLevelOperations::Commands::CommandParams {
     std::string text;
 };
 
-struct TextReply final : HighLevelOperations::Commands::CommandReply {
+struct TextReply final : HighLevelOperations::Commands::CommandReplyOfType<1> {
     explicit TextReply(std::string text) : text(std::move(text)) {}
-    int GetType() const override { return 1; }
     std::string text;
 };
 

@@ -44,10 +44,9 @@ public:
 };
 
 /// A reply that keeps the header it was built from and the bytes as text.
-struct TextReply final : CommandReply {
+struct TextReply final : Plexis::Tessel::HighLevelOperations::Commands::CommandReplyOfType<1> {
     TextReply(std::string header, std::string text)
         : header(std::move(header)), text(std::move(text)) {}
-    int GetType() const override { return 1; }
     std::string header;
     std::string text;
 };

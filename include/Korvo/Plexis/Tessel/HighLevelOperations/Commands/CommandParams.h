@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Korvo/Plexis/Data/Guid.h>
+
 namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands {
 
 /// Base of the parameters of every command ("PlayCommand" takes `PlayCommandParams`, ...). A
@@ -7,6 +9,10 @@ namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands {
 class CommandParams {
 public:
     virtual ~CommandParams();
+
+    /// The command's own identifier, echoed by the server in its reply. A command without one
+    /// cannot be converted for the wire.
+    Data::Guid commandGuid;
 
 protected:
     CommandParams() = default;

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <tuple>
+
+#include <Korvo/Plexis/Data/Clips/Groups/AnglesGroupItem.h>
+#include <Korvo/Plexis/Data/Clips/Groups/Guid.h>
+#include <Korvo/Plexis/Data/ComparedByFields.h>
+
+namespace Korvo::Plexis::Data::Clips::Groups {
+
+/// Clips of one action seen by several cameras, kept together.
+struct AnglesGroup {
+    Guid groupGuid;                                  ///< the group's identifier
+    std::map<std::int32_t, AnglesGroupItem> angles;  ///< the group's angles, keyed by their index
+
+    auto Fields() const { return std::tie(groupGuid, angles); }
+    KORVO_COMPARED_BY_FIELDS(AnglesGroup)
+};
+
+}  // namespace Korvo::Plexis::Data::Clips::Groups

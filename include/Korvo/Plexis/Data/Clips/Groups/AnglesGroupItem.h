@@ -1,0 +1,20 @@
+#pragma once
+
+#include <cstdint>
+#include <tuple>
+
+#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/Guid.h>
+
+namespace Korvo::Plexis::Data::Clips::Groups {
+
+/// One angle of a group: a clip and the camera it was recorded from.
+struct AnglesGroupItem {
+    Data::Guid clipGuid;      ///< the clip that shows this angle
+    std::int32_t camera = 0;  ///< the camera the angle was recorded from
+
+    auto Fields() const { return std::tie(clipGuid, camera); }
+    KORVO_COMPARED_BY_FIELDS(AnglesGroupItem)
+};
+
+}  // namespace Korvo::Plexis::Data::Clips::Groups

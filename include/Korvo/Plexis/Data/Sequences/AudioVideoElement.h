@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstdint>
+#include <tuple>
+
+#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/Sequences/Element.h>
+
+namespace Korvo::Plexis::Data::Sequences {
+
+/// An element with its separate video and audio effects and field ranges.
+struct AudioVideoElement {
+    std::int32_t videoEffectType = 0;
+    std::int32_t audioEffectType = 0;
+    std::int32_t videoEffectDuration = 0;
+    std::int32_t audioEffectDuration = 0;
+    std::int64_t videoFieldIn = 0;
+    std::int64_t videoFieldOut = 0;
+    std::int64_t audioFieldIn = 0;
+    std::int64_t audioFieldOut = 0;
+    Element element;
+
+    auto Fields() const {
+        return std::tie(videoEffectType, audioEffectType, videoEffectDuration, audioEffectDuration,
+                        videoFieldIn, videoFieldOut, audioFieldIn, audioFieldOut, element);
+    }
+    KORVO_COMPARED_BY_FIELDS(AudioVideoElement)
+};
+
+}  // namespace Korvo::Plexis::Data::Sequences

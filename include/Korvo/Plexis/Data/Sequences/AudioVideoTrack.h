@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <tuple>
+#include <vector>
+
+#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/Sequences/AudioVideoElement.h>
+
+namespace Korvo::Plexis::Data::Sequences {
+
+/// The audio-video track of a playlist. Both members are optional on the wire; unset means the
+/// sender did not say.
+struct AudioVideoTrack {
+    std::optional<std::vector<AudioVideoElement>> elements;
+    std::optional<std::int32_t> numberOfElements;
+
+    auto Fields() const { return std::tie(elements, numberOfElements); }
+    KORVO_COMPARED_BY_FIELDS(AudioVideoTrack)
+};
+
+}  // namespace Korvo::Plexis::Data::Sequences

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <tuple>
+
+#include <Korvo/Plexis/Data/Channels/Guid.h>
+#include <Korvo/Plexis/Data/Channels/LoadBoundary.h>
+#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/Guid.h>
+#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/CommandParams.h>
+
+namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands {
+
+/// Chains material after what players have loaded.
+struct ChainCommandParams : CommandParams {
+    std::map<Data::Channels::Guid, Data::Guid>
+        players;                 ///< for each player, the identifier of the material chained
+    std::int64_t timepoint = 0;  ///< where the chained material starts
+    Data::Channels::LoadBoundary inBoundary;
+    Data::Channels::LoadBoundary outBoundary;
+
+    auto Fields() const {
+        return std::tie(commandGuid, players, timepoint, inBoundary, outBoundary);
+    }
+    KORVO_COMPARED_BY_FIELDS(ChainCommandParams)
+};
+
+}  // namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands

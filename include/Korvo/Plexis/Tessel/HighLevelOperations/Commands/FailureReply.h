@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+#include <tuple>
+
+#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/Guid.h>
+#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/CommandReply.h>
+
+namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands {
+
+/// The command failed. Type code 2.
+class FailureReply : public CommandReplyOfType<2> {
+public:
+    explicit FailureReply(const Data::Guid& commandGuid = Data::Guid::Empty())
+        : CommandReplyOfType(commandGuid) {}
+
+    std::string message;  ///< the server's description of the failure
+
+    auto Fields() const { return std::tie(commandGuid, message); }
+    KORVO_COMPARED_BY_FIELDS(FailureReply)
+};
+
+}  // namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands

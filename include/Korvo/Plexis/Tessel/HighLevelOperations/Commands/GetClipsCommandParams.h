@@ -1,0 +1,16 @@
+#pragma once
+
+#include <tuple>
+
+#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/CommandParams.h>
+
+namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands {
+
+/// Asks for every clip.
+struct GetClipsCommandParams : CommandParams {
+    auto Fields() const { return std::tie(commandGuid); }
+    KORVO_COMPARED_BY_FIELDS(GetClipsCommandParams)
+};
+
+}  // namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands

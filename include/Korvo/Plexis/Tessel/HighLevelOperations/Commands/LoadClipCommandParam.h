@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cstdint>
+#include <tuple>
+
+#include <Korvo/Plexis/Data/Channels/LoadBoundary.h>
+#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/Guid.h>
+
+namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands {
+
+/// What one player loads: a clip, a cue point and boundaries.
+struct LoadClipCommandParam {
+    Data::Guid clip;             ///< the clip to load
+    std::int64_t timepoint = 0;  ///< cue point
+    Data::Channels::LoadBoundary inBoundary;
+    Data::Channels::LoadBoundary outBoundary;
+
+    auto Fields() const { return std::tie(clip, timepoint, inBoundary, outBoundary); }
+    KORVO_COMPARED_BY_FIELDS(LoadClipCommandParam)
+};
+
+}  // namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands

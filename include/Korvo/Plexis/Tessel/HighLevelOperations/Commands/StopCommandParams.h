@@ -1,0 +1,20 @@
+#pragma once
+
+#include <set>
+#include <tuple>
+
+#include <Korvo/Plexis/Data/Channels/Guid.h>
+#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/CommandParams.h>
+
+namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands {
+
+/// Stops recorders recording ("StopRecordingCommand").
+struct StopCommandParams : CommandParams {
+    std::set<Data::Channels::Guid> recorders;  ///< recorders to stop
+
+    auto Fields() const { return std::tie(commandGuid, recorders); }
+    KORVO_COMPARED_BY_FIELDS(StopCommandParams)
+};
+
+}  // namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands

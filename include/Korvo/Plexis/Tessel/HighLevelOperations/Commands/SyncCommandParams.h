@@ -1,0 +1,26 @@
+#pragma once
+
+#include <set>
+#include <tuple>
+
+#include <Korvo/Plexis/Data/Channels/Guid.h>
+#include <Korvo/Plexis/Data/Channels/LoadBoundary.h>
+#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/CommandParams.h>
+
+namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands {
+
+/// Makes players follow a source player.
+struct SyncCommandParams : CommandParams {
+    Data::Channels::Guid sourcePlayer;       ///< the player the others follow
+    std::set<Data::Channels::Guid> players;  ///< players to synchronise
+    Data::Channels::LoadBoundary inBoundary;
+    Data::Channels::LoadBoundary outBoundary;
+
+    auto Fields() const {
+        return std::tie(commandGuid, sourcePlayer, players, inBoundary, outBoundary);
+    }
+    KORVO_COMPARED_BY_FIELDS(SyncCommandParams)
+};
+
+}  // namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands
