@@ -262,6 +262,41 @@ struct Present {
     }
 };
 
+/// The part of a domain object that its base class `DomainBase` holds, carried on the wire as one
+/// nested record (an event's common part, for example). `isSet` and `markSet` are null for a
+/// required field, which is always present.
+template <class DomainBase, class WireMember, class IsSet, class MarkSet>
+struct BasePart {
+    const char* name;
+    WireMember wire;
+    IsSet isSet;
+    MarkSet markSet;
+
+    template <class Domain, class Wire>
+    ConversionResult ToWire(const Domain& source, Wire& target) const {
+        if constexpr (!std::is_same_v<MarkSet, std::nullptr_t>) {
+            markSet(target, true);
+        }
+        return Prefixed(name,
+                        Mapping::ToWire(static_cast<const DomainBase&>(source), target.*wire));
+    }
+    template <class Wire, class Domain>
+    ConversionResult FromWire(const Wire& source, Domain& target) const {
+        if constexpr (!std::is_same_v<IsSet, std::nullptr_t>) {
+            if (!isSet(source)) {
+                return {};
+            }
+        }
+        return Prefixed(name, Mapping::FromWire(source.*wire, static_cast<DomainBase&>(target)));
+    }
+};
+
+template <class DomainBase, class WireMember, class IsSet, class MarkSet>
+BasePart<DomainBase, WireMember, IsSet, MarkSet> MakeBasePart(const char* name, WireMember wire,
+                                                             IsSet isSet, MarkSet markSet) {
+    return {name, wire, isSet, markSet};
+}
+
 template <class DomainMember, class WireMember>
 Always(const char*, DomainMember, WireMember) -> Always<DomainMember, WireMember>;
 template <class D, class W, class I, class M>
@@ -290,6 +325,10 @@ Present(const char*, D, W, I, M) -> Present<D, W, I, M>;
 #wireMember, &D::domainMember, &W::wireMember, KORVO_ISSET_ACCESSORS(wireMember) \
     }
 #define KORVO_PRESENT(member) KORVO_PRESENT_AS(member, member)
+#define KORVO_BASE_PRESENT(DomainBase, wireMember) \
+    MakeBasePart<DomainBase>(#wireMember, &W::wireMember, KORVO_ISSET_ACCESSORS(wireMember))
+#define KORVO_BASE_REQUIRED(DomainBase, wireMember) \
+    MakeBasePart<DomainBase>(#wireMember, &W::wireMember, nullptr, nullptr)
 
 // clang-format off
 /// Declares the table of `Domain` and `Wire`; the rows follow, then KORVO_END_MAPPING.

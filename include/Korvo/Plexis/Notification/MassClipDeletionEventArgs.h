@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cstdint>
+#include <tuple>
+
+#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Notification/ClipCommandEventArgs.h>
+
+namespace Korvo::Plexis::Notification {
+
+/// Many clips were deleted at once ("MassClipDeletionFinished").
+class MassClipDeletionEventArgs : public ClipCommandEventArgs {
+public:
+    std::int64_t clipCount = 0;  ///< number of clips deleted
+    std::int64_t revision = 0;   ///< clip database revision after the change
+
+    auto Fields() const {
+        return std::tuple_cat(ClipCommandEventArgs::Fields(), std::tie(clipCount, revision));
+    }
+    KORVO_COMPARED_BY_FIELDS(MassClipDeletionEventArgs)
+};
+
+}  // namespace Korvo::Plexis::Notification
