@@ -25,14 +25,20 @@ constexpr std::chrono::seconds kRetryGrace{2};
 
 }  // namespace
 
-ConnectionMonitor::ConnectionMonitor(std::vector<Link*> links, std::shared_ptr<ILogger> logger)
+ConnectionMonitor::ConnectionMonitor(std::vector<Link*> links, std::shared_ptr<ILogger> logger,
+                                     Listener listener)
     : links(std::move(links)),
       logger(std::move(logger)),
       states(this->links.size(), ConnectionState::Connecting),
+      listener(std::move(listener)),
       retryDue(this->links.size()),
       everConnected(this->links.size(), false) {
-    for (Link* link : this->links) {
-        monitors.push_back(link->TakeMonitor());
+    for (std::size_t link = 0; link < this->links.size(); ++link) {
+        monitors.push_back(this->links[link]->TakeMonitor());
+        if (this->links[link]->GetEndPoint().Address().rfind("inproc://", 0) == 0) {
+            states[link] = ConnectionState::Connected;
+            everConnected[link] = true;
+        }
     }
     thread = std::thread(&ConnectionMonitor::Run, this);
 }

@@ -32,9 +32,11 @@ class ConnectionMonitor {
 public:
     using Listener = std::function<void(std::size_t link, ConnectionState state)>;
 
-    /// Takes the monitor socket of every link and starts the thread. The links must outlive it.
+    /// Takes the monitor socket of every link, installs `listener` and starts the thread. The
+    /// links must outlive it. An inproc link gives no connection events: it counts as connected
+    /// from the start.
     ConnectionMonitor(std::vector<Link*> links,
-                      std::shared_ptr<Plexis::Tessel::Logging::ILogger> logger);
+                      std::shared_ptr<Plexis::Tessel::Logging::ILogger> logger, Listener listener);
 
     /// Stops and joins the thread. Not on the listener.
     ~ConnectionMonitor();

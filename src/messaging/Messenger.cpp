@@ -25,16 +25,23 @@ constexpr const char* kSource = "Korvo/Common/Messaging/Client/Messenger";
 // While Send waits, it retries at least this often: a full queue drains without any event.
 constexpr std::chrono::milliseconds kSendRetryStep{10};
 
+Detail::ConnectionMonitor::Listener ListenerFor(Messenger::ConnectionStateHandler handler) {
+    if (!handler) {
+        return nullptr;
+    }
+    return [handler = std::move(handler)](std::size_t, ConnectionState state) { handler(state); };
+}
+
 }  // namespace
 
 class Messenger::Impl {
 public:
-    Impl(const EndPoint& server, const TransportOptions& options)
+    Impl(const EndPoint& server, const TransportOptions& options, ConnectionStateHandler handler)
         : options(options),
           logger(Plexis::Tessel::Logging::Loggers::GetInstance().GetLogger("Messaging")),
           context(Detail::SharedZmqContext()),
           link(context, zmq::socket_type::dealer, server, options, {}, wake),
-          monitor({&link}, logger) {}
+          monitor({&link}, logger, ListenerFor(std::move(handler))) {}
 
     const TransportOptions options;
     const std::shared_ptr<ILogger> logger;
@@ -46,8 +53,9 @@ public:
     Detail::Frames frames;  // the receiving thread's
 };
 
-Messenger::Messenger(const EndPoint& server, const TransportOptions& options)
-    : impl(std::make_unique<Impl>(server, options)) {}
+Messenger::Messenger(const EndPoint& server, const TransportOptions& options,
+                     ConnectionStateHandler handler)
+    : impl(std::make_unique<Impl>(server, options, std::move(handler))) {}
 
 Messenger::~Messenger() {
     ShutDown();
@@ -125,12 +133,7 @@ ConnectionState Messenger::GetConnectionState() const {
 }
 
 void Messenger::SetConnectionStateHandler(ConnectionStateHandler handler) {
-    if (!handler) {
-        impl->monitor.SetListener(nullptr);
-        return;
-    }
-    impl->monitor.SetListener(
-        [handler = std::move(handler)](std::size_t, ConnectionState state) { handler(state); });
+    impl->monitor.SetListener(ListenerFor(std::move(handler)));
 }
 
 const EndPoint& Messenger::GetEndPoint() const {

@@ -25,6 +25,17 @@ constexpr const char* kSource = "Korvo/Common/Messaging/Client/Subscription";
 // this only bounds the cost of a wake-up that could ever be missed.
 constexpr std::chrono::milliseconds kLongestWait{1000};
 
+// The handler as the watching thread calls it: with the endpoint rather than its index.
+Detail::ConnectionMonitor::Listener ListenerFor(Subscription::ConnectionStateHandler handler,
+                                                const std::vector<EndPoint>& endpoints) {
+    if (!handler) {
+        return nullptr;
+    }
+    return [handler = std::move(handler), &endpoints](std::size_t link, ConnectionState state) {
+        handler(endpoints[link], state);
+    };
+}
+
 std::vector<Detail::Link*> Pointers(const std::vector<std::unique_ptr<Detail::Link>>& links) {
     std::vector<Detail::Link*> pointers;
     for (const auto& link : links) {
@@ -38,12 +49,12 @@ std::vector<Detail::Link*> Pointers(const std::vector<std::unique_ptr<Detail::Li
 class Subscription::Impl {
 public:
     Impl(const std::vector<EndPoint>& endpoints, const std::vector<std::string>& topics,
-         const TransportOptions& options)
+         const TransportOptions& options, ConnectionStateHandler handler)
         : endpoints(endpoints),
           logger(Plexis::Tessel::Logging::Loggers::GetInstance().GetLogger("Messaging")),
           context(Detail::SharedZmqContext()),
           links(MakeLinks(topics, options)),
-          monitor(Pointers(links), logger) {}
+          monitor(Pointers(links), logger, ListenerFor(std::move(handler), this->endpoints)) {}
 
     std::vector<std::unique_ptr<Detail::Link>> MakeLinks(const std::vector<std::string>& topics,
                                                          const TransportOptions& options) {
@@ -90,8 +101,9 @@ Subscription::Event::Event(std::unique_ptr<Message> message, std::string topic, 
     : message(std::move(message)), topic(std::move(topic)), source(source) {}
 
 Subscription::Subscription(const std::vector<EndPoint>& endpoints,
-                           const std::vector<std::string>& topics, const TransportOptions& options)
-    : impl(std::make_unique<Impl>(endpoints, topics, options)) {}
+                           const std::vector<std::string>& topics, const TransportOptions& options,
+                           ConnectionStateHandler handler)
+    : impl(std::make_unique<Impl>(endpoints, topics, options, std::move(handler))) {}
 
 Subscription::~Subscription() {
     ShutDown();
@@ -149,13 +161,7 @@ std::vector<ConnectionState> Subscription::GetConnectionStates() const {
 }
 
 void Subscription::SetConnectionStateHandler(ConnectionStateHandler handler) {
-    if (!handler) {
-        impl->monitor.SetListener(nullptr);
-        return;
-    }
-    impl->monitor.SetListener(
-        [handler = std::move(handler), endpoints = &impl->endpoints](
-            std::size_t link, ConnectionState state) { handler((*endpoints)[link], state); });
+    impl->monitor.SetListener(ListenerFor(std::move(handler), impl->endpoints));
 }
 
 }  // namespace Korvo::Common::Messaging::Client

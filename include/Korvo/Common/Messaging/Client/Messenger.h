@@ -26,9 +26,11 @@ namespace Korvo::Common::Messaging::Client {
 class Messenger final : public Plexis::Tessel::Client::BaseClientMessenger {
 public:
     /// Starts connecting to `server` (the connection completes in the background, and is retried
-    /// for as long as the messenger lives) and starts the watching thread. Throws
-    /// `TransportException` when the address is refused or CURVE is not available.
-    explicit Messenger(const EndPoint& server, const TransportOptions& options = {});
+    /// for as long as the messenger lives) and starts the watching thread, with `handler`
+    /// installed from the start so that no change is missed (see `SetConnectionStateHandler`).
+    /// Throws `TransportException` when the address is refused or CURVE is not available.
+    explicit Messenger(const EndPoint& server, const TransportOptions& options = {},
+                       ConnectionStateHandler handler = {});
 
     /// Shuts down if that has not happened yet, then joins the watching thread.
     ~Messenger() override;

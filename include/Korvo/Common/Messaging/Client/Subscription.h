@@ -46,10 +46,11 @@ public:
 
     /// Starts connecting to every endpoint (in the background, retried for as long as the
     /// subscription lives) and subscribes to every topic; an empty topic, or an empty list,
-    /// subscribes to everything. Throws `TransportException` when an address is refused or CURVE
-    /// is not available, `std::invalid_argument` when `endpoints` is empty.
+    /// subscribes to everything. `handler` is installed from the start, so that no change is
+    /// missed (see `SetConnectionStateHandler`). Throws `TransportException` when an address is
+    /// refused or CURVE is not available, `std::invalid_argument` when `endpoints` is empty.
     Subscription(const std::vector<EndPoint>& endpoints, const std::vector<std::string>& topics,
-                 const TransportOptions& options = {});
+                 const TransportOptions& options = {}, ConnectionStateHandler handler = {});
 
     /// Shuts down if that has not happened yet, then joins the watching thread.
     ~Subscription();
