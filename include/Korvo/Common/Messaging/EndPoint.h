@@ -7,13 +7,14 @@ namespace Korvo::Common::Messaging {
 /// Where a server listens, and optionally the public key that authenticates it.
 ///
 /// Text form: `<transport>://<address>[;curve=<key>]`, for example
-///   `tcp://replay-1:5555`, `tcp://10.0.0.7:5556;curve=rq:rM>}U?@Lns47E1%kR.o@n%FcmmsL/@{H8]yf7`,
+///   `tcp://replay-1:5555`, `tcp://10.0.0.7:5556;curve=U}l/LsXuOY}{v31a-)^<<sKJ7w3OX%:u0KUa7Se}`,
 ///   `ipc:///run/tessel/commands`, `inproc://tessel-commands`.
 /// The transport is `tcp` (`host:port`, the host a name or an address, IPv6 in brackets), `ipc` (a
 /// path) or `inproc` (a name within the process, reached only from the context of
 /// `SharedContext()`). The key is the server's CURVE public key, 40 characters of Z85 or 64
 /// hexadecimal digits; with it the link is encrypted and the server must prove that it holds the
-/// matching secret key. Values are immutable and compare by their normalised text.
+/// matching secret key. Values are immutable and compare by their normalised text. The full
+/// syntax, and what each part means on the wire, is in docs/protocol.md.
 class EndPoint {
 public:
     /// Parses the text form above. Throws `std::invalid_argument` naming what is wrong.
