@@ -2,8 +2,10 @@
 
 #include <poll.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <climits>
 #include <cstring>
 
 #include <Korvo/Common/Messaging/ObjectShutDownException.h>
@@ -139,13 +141,13 @@ void Link::CheckOpen(std::unique_lock<std::mutex>& lock) {
 bool Link::TrySend(std::array<zmq::message_t, kEnvelopeFrames>& frames) {
     std::unique_lock<std::mutex> lock(mutex);
     CheckOpen(lock);
+    bool sent = false;
     bool inputWaiting = false;
     try {
-        if (!socket->send(frames[0], zmq::send_flags::sndmore | zmq::send_flags::dontwait)) {
-            return false;
-        }
+        sent = socket->send(frames[0], zmq::send_flags::sndmore | zmq::send_flags::dontwait)
+                   .has_value();
         // Once the first frame is accepted ZeroMQ accepts the rest of the message.
-        for (std::size_t i = 1; i < frames.size(); ++i) {
+        for (std::size_t i = 1; sent && i < frames.size(); ++i) {
             const auto more =
                 i + 1 < frames.size() ? zmq::send_flags::sndmore : zmq::send_flags::none;
             if (!socket->send(frames[i], more | zmq::send_flags::dontwait)) {
@@ -153,6 +155,8 @@ bool Link::TrySend(std::array<zmq::message_t, kEnvelopeFrames>& frames) {
                                          " was refused");
             }
         }
+        // Sending, even in vain, may have consumed the descriptor's signal of a reply that a
+        // receiver is polling for; if a reply is waiting, wake that receiver here.
         inputWaiting = (socket->get(zmq::sockopt::events) & ZMQ_POLLIN) != 0;
     } catch (const zmq::error_t& error) {
         throw Failure(endpoint, "cannot send to", error);
@@ -161,7 +165,7 @@ bool Link::TrySend(std::array<zmq::message_t, kEnvelopeFrames>& frames) {
     if (inputWaiting) {
         wake.Notify();
     }
-    return true;
+    return sent;
 }
 
 bool Link::TakeOrWait(Frames& frames, int& fd) {
@@ -273,7 +277,8 @@ bool Waits::Poll(WakeSignal& wake, std::chrono::milliseconds timeout) {
         items.push_back({fd, POLLIN, 0});
     }
     items.push_back({wake.Fd(), POLLIN, 0});
-    const int ready = ::poll(items.data(), items.size(), static_cast<int>(timeout.count()));
+    const auto limit = std::min<std::chrono::milliseconds::rep>(timeout.count(), INT_MAX);
+    const int ready = ::poll(items.data(), items.size(), static_cast<int>(limit));
     const int error = errno;
     if (items.back().revents != 0) {
         wake.Drain();
