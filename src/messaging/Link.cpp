@@ -199,6 +199,11 @@ bool Link::TakeOrWait(Frames& frames, int& fd) {
     }
 }
 
+void Link::CheckUsable() {
+    std::unique_lock<std::mutex> lock(mutex);
+    CheckOpen(lock);
+}
+
 void Link::EndWait() noexcept {
     std::lock_guard<std::mutex> lock(mutex);
     if (--waiters == 0) {

@@ -66,6 +66,9 @@ public:
     /// the caller then polls `fd` and the wake signal and calls `EndWait`. Throws like `TrySend`.
     bool TakeOrWait(Frames& frames, int& fd);
 
+    /// Throws like `TrySend` once the link is closed; does nothing otherwise.
+    void CheckUsable();
+
     /// Ends the wait that `TakeOrWait` registered.
     void EndWait() noexcept;
 

@@ -80,7 +80,16 @@ void Messenger::Send(const int& ticket, const std::string& commandName,
     }
     auto frames = Detail::CommandFrames(ticket, commandName, payload);
     const Clock::time_point deadline = Clock::now() + impl->options.sendWait;
-    while (!impl->link.TrySend(frames)) {
+    for (;;) {
+        // Queue only on a link known to be up: right after a loss ZeroMQ may still accept a
+        // message into the broken connection's queue, where it would be silently discarded.
+        if (GetConnectionState() == ConnectionState::Connected) {
+            if (impl->link.TrySend(frames)) {
+                return;
+            }
+        } else {
+            impl->link.CheckUsable();
+        }
         const Clock::time_point now = Clock::now();
         if (now >= deadline) {
             const bool connected = GetConnectionState() == ConnectionState::Connected;

@@ -60,9 +60,11 @@ TEST_F(MessengerTest, CommandFramesArriveAsSentAndRepliesReachTheirHandles) {
     EXPECT_EQ(TextOf(*play, last), "two");
 }
 
-TEST_F(MessengerTest, TicketsTravelAsFourSignedLittleEndianBytes) {
+TEST_F(MessengerTest, TicketsTravelAsSignedLittleEndianBytesAndAReplyEndsTheWaitAtOnce) {
     RouterPeer server;
-    auto messenger = MessengerTo(EndPoint(server.Address()));
+    TransportOptions patient = Options();
+    patient.receiveWait = std::chrono::minutes(10);
+    auto messenger = MessengerTo(EndPoint(server.Address()), patient);
     std::string body = "body";
     messenger->Send(-2, "Ping", Bytes(body));
     messenger->Send(0x01020304, "Ping", Bytes(body));
@@ -72,8 +74,13 @@ TEST_F(MessengerTest, TicketsTravelAsFourSignedLittleEndianBytes) {
     EXPECT_EQ((*negative)[1], std::string("\xFE\xFF\xFF\xFF", 4));
     EXPECT_EQ((*large)[1], std::string("\x04\x03\x02\x01", 4));
 
+    auto waiting = std::async(std::launch::async, [&] { return messenger->Receive(); });
     server.Send({(*negative)[0], std::string("\xFE\xFF\xFF\xFF", 4), "Pong", "back"});
-    auto reply = NextReply(*messenger);
+    if (waiting.wait_for(kPatience) != std::future_status::ready) {
+        messenger->ShutDown();
+        FAIL() << "the reply did not end the wait";
+    }
+    auto reply = waiting.get();
     ASSERT_NE(reply, nullptr);
     EXPECT_TRUE(reply->IsValid());
     EXPECT_EQ(reply->GetOrigin().GetTicket(), -2);
@@ -244,7 +251,7 @@ TEST_F(MessengerTest, CurveWithTheServersKeyTalksAndWithAnotherKeyNothingGetsThr
     std::string body = "forged";
     impostor->Send(7, "Ping", Bytes(body));
     EXPECT_EQ(Logged("Send: command Ping (ticket 7) dropped: no server connected"), 1);
-    EXPECT_EQ(impostor->GetConnectionState(), ConnectionState::Connecting);
+    EXPECT_NE(impostor->GetConnectionState(), ConnectionState::Connected);
 
     auto again = client->Request("Ping", TextParams("again"));
     command = server.Receive();
