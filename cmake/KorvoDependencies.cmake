@@ -3,6 +3,11 @@
 find_package(Threads REQUIRED)
 find_package(PkgConfig REQUIRED)
 pkg_check_modules(THRIFT REQUIRED IMPORTED_TARGET GLOBAL thrift>=0.17)
+# ZeroMQ for the messaging layer; 4.3 brings heartbeats and the handshake events of the monitor.
+pkg_check_modules(ZMQ REQUIRED IMPORTED_TARGET GLOBAL libzmq>=4.3)
+# cppzmq, its header-only C++ wrapper, used by the library's sources and tests only: no public
+# header includes it, so applications need neither it nor the libzmq headers.
+find_path(CPPZMQ_INCLUDE_DIR zmq.hpp HINTS ${ZMQ_INCLUDE_DIRS} REQUIRED)
 
 if(KORVO_BUILD_TESTS)
     find_package(GTest REQUIRED)

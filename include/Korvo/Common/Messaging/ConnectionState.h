@@ -2,12 +2,16 @@
 
 namespace Korvo::Common::Messaging {
 
-/// What a messenger or subscription knows of its link to one endpoint.
+/// What a messenger or subscription knows of its link to one endpoint, as reported by the
+/// transport's own monitoring and heartbeats.
 enum class ConnectionState {
-    Connecting,    ///< not connected yet since start-up
-    Connected,     ///< the link is up (and, with heartbeats, the peer answers)
-    Reconnecting,  ///< the link went down; the transport keeps trying
-    Disconnected,  ///< the link is down and the transport is not trying (for example refused)
+    Connecting,    ///< not connected since start-up; the transport keeps trying
+    Connected,     ///< the greeting (and CURVE handshake) completed and heartbeats are answered
+    Reconnecting,  ///< the link was up and went down (peer closed, or heartbeats unanswered);
+                   ///< the transport keeps trying on its back-off schedule
+    Disconnected,  ///< the transport dropped the link for a protocol fault (for example a message
+                   ///< over the size limit) and would not retry by itself; the link is re-created
+                   ///< at once, which moves the state on to Reconnecting
     ShutDown,      ///< shut down by the application; final
 };
 

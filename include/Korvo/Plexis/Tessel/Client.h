@@ -2,11 +2,17 @@
 
 // The whole public API of the Tessel client library.
 
+#include <Korvo/Common/Messaging/Client/Messenger.h>
+#include <Korvo/Common/Messaging/Client/Subscription.h>
 #include <Korvo/Common/Messaging/ConnectionState.h>
+#include <Korvo/Common/Messaging/EndPoint.h>
 #include <Korvo/Common/Messaging/Exception.h>
+#include <Korvo/Common/Messaging/Message.h>
 #include <Korvo/Common/Messaging/ObjectShutDownException.h>
 #include <Korvo/Common/Messaging/Origin.h>
+#include <Korvo/Common/Messaging/SharedContext.h>
 #include <Korvo/Common/Messaging/TransportException.h>
+#include <Korvo/Common/Messaging/TransportOptions.h>
 #include <Korvo/Common/Serialization/Buffer.h>
 #include <Korvo/Common/Serialization/ConversionResult.h>
 #include <Korvo/Common/Serialization/Converter.h>

@@ -1,0 +1,79 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include <Korvo/Common/Messaging/ConnectionState.h>
+#include <Korvo/Common/Messaging/EndPoint.h>
+#include <Korvo/Common/Messaging/TransportOptions.h>
+#include <Korvo/Plexis/Tessel/Client/BaseClientMessenger.h>
+
+namespace Korvo::Common::Messaging::Client {
+
+/// The command link to one server: a ZeroMQ DEALER socket connected to the server's ROUTER. Each
+/// command and each reply is one message of three frames, [ticket][header][payload]
+/// (docs/protocol.md). Hand it to a `CommandClient`, which owns it from then on.
+///
+/// A command is only ever queued on a link whose handshake is complete. When no server is
+/// connected, `Send` waits up to `TransportOptions::sendWait` for one; then it drops the command,
+/// logs it (logger "Messaging", level 50) and returns, so the command's handle times out instead
+/// of the command reaching a server that appears minutes later.
+///
+/// Threads: `Send` from any number of threads at once; `Receive` from one thread at a time;
+/// `ShutDown`, `IsShutDown`, `GetConnectionState` and `SetConnectionStateHandler` from any thread.
+/// The messenger runs one thread of its own, which watches the link and calls the handler. The
+/// destructor must not run while another thread is inside the messenger, nor on the handler.
+class Messenger final : public Plexis::Tessel::Client::BaseClientMessenger {
+public:
+    /// Starts connecting to `server` (the connection completes in the background, and is retried
+    /// for as long as the messenger lives) and starts the watching thread, with `handler`
+    /// installed from the start so that no change is missed (see `SetConnectionStateHandler`).
+    /// Throws `TransportException` when the address is refused or CURVE is not available.
+    explicit Messenger(const EndPoint& server, const TransportOptions& options = {},
+                       ConnectionStateHandler handler = {});
+
+    /// Shuts down if that has not happened yet, then joins the watching thread.
+    ~Messenger() override;
+
+    Messenger(const Messenger&) = delete;
+    Messenger& operator=(const Messenger&) = delete;
+
+    /// True once `ShutDown` has run. Any thread; takes no lock.
+    bool IsShutDown() const override;
+
+    /// Closes the socket, wakes a `Receive` or `Send` that is waiting (they throw
+    /// `ObjectShutDownException`, as every later call does) and reports `ShutDown` to the handler.
+    /// Returns once no thread uses the socket any more. A second call does nothing. Any thread,
+    /// including the handler.
+    void ShutDown() override;
+
+    /// Queues one command under `ticket` and returns; the bytes of `payload` are copied once, into
+    /// the frame. Waits up to `sendWait` when no server is connected or the queue is full (see the
+    /// class comment). Throws `ObjectShutDownException` once shut down, `TransportException` when
+    /// the socket fails.
+    void Send(const int& ticket, const std::string& commandName,
+              const Serialization::Buffer& payload) override;
+
+    /// The next well-formed reply, or an empty pointer when none arrived within `receiveWait`.
+    /// Malformed messages are dropped and logged (level 50). Throws `ObjectShutDownException` once
+    /// shut down, also when that happens during the wait.
+    std::unique_ptr<Plexis::Tessel::Client::BaseMessage> Receive() override;
+
+    /// The state of the link to the server. Any thread, including the handler.
+    ConnectionState GetConnectionState() const override;
+
+    /// Installs `handler`, called on the messenger's thread with each new state; an empty handler
+    /// removes it. Once this returns the previous handler is no longer running and is never called
+    /// again. The handler may call `GetConnectionState`, `IsShutDown` and `ShutDown`, but must not
+    /// call this function or destroy the messenger.
+    void SetConnectionStateHandler(ConnectionStateHandler handler) override;
+
+    /// The endpoint given to the constructor.
+    const EndPoint& GetEndPoint() const;
+
+private:
+    class Impl;
+    std::unique_ptr<Impl> impl;
+};
+
+}  // namespace Korvo::Common::Messaging::Client

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include <Korvo/Common/Messaging/Origin.h>
+#include <Korvo/Common/Serialization/PointerBuffer.h>
+#include <Korvo/Plexis/Tessel/Client/BaseMessage.h>
+
+namespace Korvo::Common::Messaging {
+
+namespace Detail {
+struct MessageFactory;
+}
+
+/// One message received from a server: a header text (the reply or notification type name), the
+/// body bytes (an encoded record) and the origin (for a reply, the ticket of the request it
+/// answers; 0 for a notification). The bytes stay in the buffer the transport received them in;
+/// nothing is copied after reception.
+///
+/// Immutable once received, so any thread may read it. Owned through `std::unique_ptr`; the byte
+/// views (`Data`, `GetPayload`) are valid while the message lives.
+class Message final : public Plexis::Tessel::Client::BaseMessage {
+public:
+    /// A valid message holding a copy of `data`; for tests and for transports of one's own.
+    Message(Origin origin, std::string header, const std::string& data);
+
+    ~Message() override;
+
+    Message(const Message&) = delete;
+    Message& operator=(const Message&) = delete;
+
+    /// Start of the body bytes; may be null when `DataSize()` is 0.
+    const unsigned char* Data() const override { return view.Pointer(); }
+
+    /// Number of body bytes.
+    unsigned int DataSize() const override { return view.Size(); }
+
+    /// The body bytes as a `Buffer`.
+    const Serialization::Buffer& GetPayload() const override { return view; }
+
+    /// The reply or notification type name; "[part]"-prefixed for one part of a longer reply.
+    const std::string& GetHeader() const override { return header; }
+
+    /// Carries the ticket of the request a reply answers.
+    const Origin& GetOrigin() const override { return origin; }
+
+    /// False for what a malformed envelope became: no header, no bytes, ticket 0.
+    bool IsValid() const override { return valid; }
+
+private:
+    friend struct Detail::MessageFactory;
+    struct Body;  // the received frame that owns the bytes
+
+    Message(Origin origin, std::string header, std::unique_ptr<Body> body, bool valid);
+
+    Origin origin;
+    std::string header;
+    std::unique_ptr<Body> body;
+    bool valid;
+    Serialization::PointerBuffer view;
+};
+
+}  // namespace Korvo::Common::Messaging

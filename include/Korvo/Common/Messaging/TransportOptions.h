@@ -1,0 +1,41 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+
+namespace Korvo::Common::Messaging {
+
+/// How a `Client::Messenger` or `Client::Subscription` sets up its sockets. The defaults suit a
+/// replay server on a local network; docs/protocol.md says what each one means on the wire.
+struct TransportOptions {
+    /// How long `Messenger::Receive` waits when no reply is there before it returns an empty
+    /// pointer. A reply that arrives ends the wait at once; this only bounds how long a paused
+    /// command client takes to notice.
+    std::chrono::milliseconds receiveWait{100};
+
+    /// How long `Messenger::Send` waits for a connected server (or for room in the send queue).
+    /// After it the command is dropped and logged, never queued for a server that appears later.
+    std::chrono::milliseconds sendWait{250};
+
+    /// A ping is sent after this long without traffic; the link is declared dead and retried when
+    /// nothing arrives for `heartbeatTimeout` after a ping.
+    std::chrono::milliseconds heartbeatInterval{1000};
+    std::chrono::milliseconds heartbeatTimeout{3000};
+
+    /// First wait before a new attempt after a lost or refused connection; it doubles with each
+    /// failed attempt up to `reconnectIntervalMax`.
+    std::chrono::milliseconds reconnectInterval{100};
+    std::chrono::milliseconds reconnectIntervalMax{10000};
+
+    /// How long one connection attempt (TCP connect, then greeting and CURVE handshake) may take.
+    std::chrono::milliseconds connectTimeout{5000};
+
+    /// Largest frame accepted from a peer; a larger one drops the link, which is then re-created.
+    std::int64_t maxMessageSize = 16 * 1024 * 1024;
+
+    /// Most commands queued towards the server, and most messages queued towards the application.
+    int sendHighWaterMark = 1000;
+    int receiveHighWaterMark = 100000;
+};
+
+}  // namespace Korvo::Common::Messaging

@@ -1,0 +1,234 @@
+#include "messaging/ConnectionMonitor.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <exception>
+#include <string>
+
+#include "logging/LogSupport.h"
+
+namespace Korvo::Common::Messaging::Detail {
+namespace {
+
+using Plexis::Tessel::Logging::ILogger;
+using Plexis::Tessel::Logging::Log;
+using Plexis::Tessel::Logging::LogComposed;
+using Clock = std::chrono::steady_clock;
+
+constexpr const char* kSource = "Korvo/Common/Messaging/ConnectionMonitor";
+
+// After a link is lost ZeroMQ schedules the next attempt at once (a "retried" or "delayed"
+// event follows within microseconds). If none has come after this long, the transport has
+// dropped the link for good and it is re-created.
+constexpr std::chrono::seconds kRetryGrace{2};
+
+}  // namespace
+
+ConnectionMonitor::ConnectionMonitor(std::vector<Link*> links, std::shared_ptr<ILogger> logger,
+                                     Listener listener)
+    : links(std::move(links)),
+      logger(std::move(logger)),
+      states(this->links.size(), ConnectionState::Connecting),
+      listener(std::move(listener)),
+      retryDue(this->links.size()),
+      everConnected(this->links.size(), false) {
+    for (std::size_t link = 0; link < this->links.size(); ++link) {
+        monitors.push_back(this->links[link]->TakeMonitor());
+        if (this->links[link]->GetEndPoint().Address().rfind("inproc://", 0) == 0) {
+            states[link] = ConnectionState::Connected;
+            everConnected[link] = true;
+        }
+    }
+    thread = std::thread(&ConnectionMonitor::Run, this);
+}
+
+ConnectionMonitor::~ConnectionMonitor() {
+    stopping.store(true);
+    wake.Notify();
+    thread.join();
+}
+
+void ConnectionMonitor::ShutDown() {
+    {
+        std::lock_guard<std::mutex> lock(stateMutex);
+        std::fill(states.begin(), states.end(), ConnectionState::ShutDown);
+    }
+    stopping.store(true);
+    wake.Notify();
+}
+
+ConnectionState ConnectionMonitor::State(std::size_t link) const {
+    std::lock_guard<std::mutex> lock(stateMutex);
+    return states.at(link);
+}
+
+std::vector<ConnectionState> ConnectionMonitor::States() const {
+    std::lock_guard<std::mutex> lock(stateMutex);
+    return states;
+}
+
+void ConnectionMonitor::SetListener(Listener newListener) {
+    std::lock_guard<std::mutex> lock(listenerMutex);
+    listener = std::move(newListener);
+}
+
+void ConnectionMonitor::Run() {
+    try {
+        Watch();
+    } catch (const std::exception& error) {
+        LogComposed(
+            logger, ILogger::Fatal,
+            [&] {
+                return std::string("Run: connection states no longer watched (") + error.what() +
+                       ").";
+            },
+            kSource, __LINE__);
+    }
+    monitors.clear();
+    // A shut-down set every state already; the listener hears of it here, on this thread.
+    for (std::size_t link = 0; link < links.size(); ++link) {
+        if (State(link) == ConnectionState::ShutDown) {
+            Tell(link, ConnectionState::ShutDown);
+        }
+    }
+}
+
+void ConnectionMonitor::Watch() {
+    std::vector<zmq_pollitem_t> items;
+    while (!stopping.load()) {
+        items.clear();
+        for (zmq::socket_t& monitor : monitors) {
+            items.push_back({monitor.handle(), 0, ZMQ_POLLIN, 0});
+        }
+        items.push_back({nullptr, wake.Fd(), ZMQ_POLLIN, 0});
+
+        long timeout = -1;
+        const Clock::time_point now = Clock::now();
+        for (const auto& due : retryDue) {
+            if (due) {
+                const auto left = std::chrono::ceil<std::chrono::milliseconds>(*due - now).count();
+                timeout = timeout < 0 ? std::max(0L, static_cast<long>(left))
+                                      : std::min(timeout, std::max(0L, static_cast<long>(left)));
+            }
+        }
+        if (zmq_poll(items.data(), static_cast<int>(items.size()), timeout) < 0 &&
+            zmq_errno() != EINTR) {
+            throw zmq::error_t();
+        }
+        if (items.back().revents != 0) {
+            wake.Drain();
+        }
+        for (std::size_t link = 0; link < monitors.size(); ++link) {
+            if (items[link].revents != 0) {
+                ReadEvents(link);
+            }
+        }
+        RecreateDroppedLinks();
+    }
+}
+
+void ConnectionMonitor::ReadEvents(std::size_t link) {
+    zmq::message_t event;
+    zmq::message_t address;
+    // Each event is two frames: 2 bytes of event number and 4 of value, then the address.
+    while (monitors[link].recv(event, zmq::recv_flags::dontwait)) {
+        if (!event.more() || !monitors[link].recv(address, zmq::recv_flags::dontwait)) {
+            continue;
+        }
+        if (event.size() >= sizeof(std::uint16_t)) {
+            std::uint16_t number = 0;
+            std::memcpy(&number, event.data(), sizeof number);
+            Apply(link, number);
+        }
+    }
+}
+
+void ConnectionMonitor::Apply(std::size_t link, int event) {
+    switch (event) {
+        case ZMQ_EVENT_HANDSHAKE_SUCCEEDED:
+            everConnected[link] = true;
+            retryDue[link].reset();
+            Report(link, ConnectionState::Connected);
+            break;
+        case ZMQ_EVENT_CONNECTED:
+        case ZMQ_EVENT_CONNECT_DELAYED:
+        case ZMQ_EVENT_CONNECT_RETRIED:
+            retryDue[link].reset();  // the transport is trying
+            break;
+        case ZMQ_EVENT_DISCONNECTED:
+        case ZMQ_EVENT_HANDSHAKE_FAILED_NO_DETAIL:
+        case ZMQ_EVENT_HANDSHAKE_FAILED_PROTOCOL:
+        case ZMQ_EVENT_HANDSHAKE_FAILED_AUTH:
+            retryDue[link] = Clock::now() + kRetryGrace;
+            Report(link, everConnected[link] ? ConnectionState::Reconnecting
+                                             : ConnectionState::Connecting);
+            break;
+        default:
+            break;
+    }
+}
+
+void ConnectionMonitor::RecreateDroppedLinks() {
+    const Clock::time_point now = Clock::now();
+    for (std::size_t link = 0; link < links.size(); ++link) {
+        if (!retryDue[link] || *retryDue[link] > now || stopping.load()) {
+            continue;
+        }
+        retryDue[link].reset();
+        Report(link, ConnectionState::Disconnected);
+        LogComposed(
+            logger, ILogger::Error,
+            [&] {
+                return "RecreateDroppedLinks: the transport dropped the link to " +
+                       links[link]->GetEndPoint().Address() + "; connecting a new socket.";
+            },
+            kSource, __LINE__);
+        std::optional<zmq::socket_t> monitor = links[link]->Reopen();
+        if (monitor) {
+            monitors[link] = std::move(*monitor);
+            Report(link, ConnectionState::Reconnecting);
+        }
+    }
+}
+
+void ConnectionMonitor::Report(std::size_t link, ConnectionState state) {
+    {
+        std::lock_guard<std::mutex> lock(stateMutex);
+        if (states[link] == state || states[link] == ConnectionState::ShutDown) {
+            return;
+        }
+        states[link] = state;
+    }
+    links[link]->NotifyChange();  // a sender may be waiting for the link to come up
+    LogComposed(
+        logger, ILogger::Info,
+        [&] {
+            return "Report: " + links[link]->GetEndPoint().Address() + " is " + ToString(state) +
+                   ".";
+        },
+        kSource, __LINE__);
+    Tell(link, state);
+}
+
+void ConnectionMonitor::Tell(std::size_t link, ConnectionState state) {
+    std::lock_guard<std::mutex> lock(listenerMutex);
+    if (!listener) {
+        return;
+    }
+    try {
+        listener(link, state);
+    } catch (const std::exception& error) {
+        LogComposed(
+            logger, ILogger::Error,
+            [&] {
+                return std::string("Tell: the connection state handler threw (") + error.what() +
+                       ").";
+            },
+            kSource, __LINE__);
+    } catch (...) {
+        Log(logger, ILogger::Error, "Tell: the connection state handler threw.", kSource, __LINE__);
+    }
+}
+
+}  // namespace Korvo::Common::Messaging::Detail

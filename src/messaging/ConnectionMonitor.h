@@ -1,0 +1,86 @@
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <thread>
+#include <vector>
+
+#include <zmq.hpp>
+
+#include <Korvo/Common/Messaging/ConnectionState.h>
+#include <Korvo/Plexis/Tessel/Logging/ILogger.h>
+
+#include "messaging/Link.h"
+#include "messaging/WakeSignal.h"
+
+namespace Korvo::Common::Messaging::Detail {
+
+/// The thread that watches the links of one messenger or subscription: it reads each socket's
+/// monitor events (connection made, handshake done, link lost, retry scheduled; heartbeat
+/// time-outs show as a lost link), keeps one `ConnectionState` per link and reports each change
+/// to a listener. When the transport drops a link for good (a protocol fault, after which ZeroMQ
+/// schedules no retry) it re-creates the link's socket.
+///
+/// Lock order: `listenerMutex` before `stateMutex` (a listener may read the states); neither is
+/// held while calling into a link.
+class ConnectionMonitor {
+public:
+    using Listener = std::function<void(std::size_t link, ConnectionState state)>;
+
+    /// Takes the monitor socket of every link, installs `listener` and starts the thread. The
+    /// links must outlive it. An inproc link gives no connection events: it counts as connected
+    /// from the start.
+    ConnectionMonitor(std::vector<Link*> links,
+                      std::shared_ptr<Plexis::Tessel::Logging::ILogger> logger, Listener listener);
+
+    /// Stops and joins the thread. Not on the listener.
+    ~ConnectionMonitor();
+
+    ConnectionMonitor(const ConnectionMonitor&) = delete;
+    ConnectionMonitor& operator=(const ConnectionMonitor&) = delete;
+
+    /// Sets every state to ShutDown at once, and makes the thread report that and end. Any thread,
+    /// including the listener.
+    void ShutDown();
+
+    ConnectionState State(std::size_t link) const;
+    std::vector<ConnectionState> States() const;
+
+    /// Replaces the listener; once this returns the previous one is not running and is never
+    /// called again. Not on the listener.
+    void SetListener(Listener newListener);
+
+private:
+    void Run();
+    void Watch();
+    void ReadEvents(std::size_t link);
+    void Apply(std::size_t link, int event);
+    void RecreateDroppedLinks();
+    void Report(std::size_t link, ConnectionState state);
+    void Tell(std::size_t link, ConnectionState state);
+
+    const std::vector<Link*> links;
+    const std::shared_ptr<Plexis::Tessel::Logging::ILogger> logger;
+    WakeSignal wake;
+    std::atomic<bool> stopping{false};
+
+    mutable std::mutex stateMutex;
+    std::vector<ConnectionState> states;
+
+    std::mutex listenerMutex;
+    Listener listener;
+
+    // The thread's own.
+    std::vector<zmq::socket_t> monitors;
+    std::vector<std::optional<std::chrono::steady_clock::time_point>> retryDue;
+    std::vector<bool> everConnected;
+
+    std::thread thread;
+};
+
+}  // namespace Korvo::Common::Messaging::Detail

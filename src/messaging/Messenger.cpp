@@ -1,0 +1,152 @@
+#include <Korvo/Common/Messaging/Client/Messenger.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+
+#include <Korvo/Common/Messaging/ObjectShutDownException.h>
+#include <Korvo/Plexis/Tessel/Logging/Loggers.h>
+
+#include "logging/LogSupport.h"
+#include "messaging/ConnectionMonitor.h"
+#include "messaging/Envelope.h"
+#include "messaging/Link.h"
+#include "messaging/ZmqContext.h"
+
+namespace Korvo::Common::Messaging::Client {
+namespace {
+
+using Plexis::Tessel::Logging::ILogger;
+using Plexis::Tessel::Logging::LogComposed;
+using Clock = std::chrono::steady_clock;
+
+constexpr const char* kSource = "Korvo/Common/Messaging/Client/Messenger";
+
+// While Send waits, it retries at least this often: a full queue drains without any event.
+constexpr std::chrono::milliseconds kSendRetryStep{10};
+
+Detail::ConnectionMonitor::Listener ListenerFor(Messenger::ConnectionStateHandler handler) {
+    if (!handler) {
+        return nullptr;
+    }
+    return [handler = std::move(handler)](std::size_t, ConnectionState state) { handler(state); };
+}
+
+}  // namespace
+
+class Messenger::Impl {
+public:
+    Impl(const EndPoint& server, const TransportOptions& options, ConnectionStateHandler handler)
+        : options(options),
+          logger(Plexis::Tessel::Logging::Loggers::GetInstance().GetLogger("Messaging")),
+          context(Detail::SharedZmqContext()),
+          link(context, zmq::socket_type::dealer, server, options, {}, wake),
+          monitor({&link}, logger, ListenerFor(std::move(handler))) {}
+
+    const TransportOptions options;
+    const std::shared_ptr<ILogger> logger;
+    const std::shared_ptr<zmq::context_t> context;
+    Detail::WakeSignal wake;
+    Detail::Link link;
+    Detail::ConnectionMonitor monitor;
+    std::atomic<bool> shutDown{false};
+    Detail::Frames frames;  // the receiving thread's
+};
+
+Messenger::Messenger(const EndPoint& server, const TransportOptions& options,
+                     ConnectionStateHandler handler)
+    : impl(std::make_unique<Impl>(server, options, std::move(handler))) {}
+
+Messenger::~Messenger() {
+    ShutDown();
+}
+
+bool Messenger::IsShutDown() const {
+    return impl->shutDown.load();
+}
+
+void Messenger::ShutDown() {
+    if (impl->shutDown.exchange(true)) {
+        return;
+    }
+    impl->monitor.ShutDown();
+    impl->link.Close();
+}
+
+void Messenger::Send(const int& ticket, const std::string& commandName,
+                     const Serialization::Buffer& payload) {
+    if (impl->shutDown.load()) {
+        throw ObjectShutDownException("Send: messenger shut down.");
+    }
+    auto frames = Detail::CommandFrames(ticket, commandName, payload);
+    const Clock::time_point deadline = Clock::now() + impl->options.sendWait;
+    for (;;) {
+        // Queue only on a link known to be up: right after a loss ZeroMQ may still accept a
+        // message into the broken connection's queue, where it would be silently discarded.
+        if (GetConnectionState() == ConnectionState::Connected) {
+            if (impl->link.TrySend(frames)) {
+                return;
+            }
+        } else {
+            impl->link.CheckUsable();
+        }
+        const Clock::time_point now = Clock::now();
+        if (now >= deadline) {
+            const bool connected = GetConnectionState() == ConnectionState::Connected;
+            LogComposed(
+                impl->logger, ILogger::Error,
+                [&] {
+                    return "Send: command " + commandName + " (ticket " + std::to_string(ticket) +
+                           ") dropped: " +
+                           (connected ? "the send queue to " : "no server connected at ") +
+                           impl->link.GetEndPoint().Address() + (connected ? " stayed full" : "") +
+                           " for " + std::to_string(impl->options.sendWait.count()) + " ms.";
+                },
+                kSource, __LINE__);
+            return;
+        }
+        impl->link.WaitForChange(std::min(deadline, now + kSendRetryStep));
+    }
+}
+
+std::unique_ptr<Plexis::Tessel::Client::BaseMessage> Messenger::Receive() {
+    if (impl->shutDown.load()) {
+        throw ObjectShutDownException("Receive: messenger shut down.");
+    }
+    const Clock::time_point deadline = Clock::now() + impl->options.receiveWait;
+    for (;;) {
+        Detail::Waits waits;
+        int fd = -1;
+        if (impl->link.TakeOrWait(impl->frames, fd)) {
+            std::string problem;
+            std::unique_ptr<Message> message = Detail::ReplyFromFrames(impl->frames, problem);
+            if (message->IsValid()) {
+                return message;
+            }
+            LogComposed(
+                impl->logger, ILogger::Error,
+                [&] { return "Receive: dropped a malformed reply (" + problem + ")."; }, kSource,
+                __LINE__);
+            continue;
+        }
+        waits.Add(impl->link, fd);
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
+        if (left.count() <= 0 || !waits.Poll(impl->wake, left)) {
+            return nullptr;
+        }
+    }
+}
+
+ConnectionState Messenger::GetConnectionState() const {
+    return impl->monitor.State(0);
+}
+
+void Messenger::SetConnectionStateHandler(ConnectionStateHandler handler) {
+    impl->monitor.SetListener(ListenerFor(std::move(handler)));
+}
+
+const EndPoint& Messenger::GetEndPoint() const {
+    return impl->link.GetEndPoint();
+}
+
+}  // namespace Korvo::Common::Messaging::Client
