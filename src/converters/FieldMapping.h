@@ -79,6 +79,8 @@ inline ConversionResult Prefixed(const std::string& name, ConversionResult resul
     return Prefixed(name.c_str(), std::move(result));
 }
 
+enum class Direction { ToWire, FromWire };
+
 template <class Domain, class Wire>
 ConversionResult ToWire(const Domain& source, Wire& target);
 template <class Domain, class Wire>
@@ -94,102 +96,74 @@ ConversionResult ForEachField(Visit&& visit) {
     return result;
 }
 
-template <class Domain, class Wire>
-ConversionResult ToWire(const Domain& source, Wire& target) {
-    if constexpr (std::is_same_v<Domain, Wire>) {
+/// One value in either direction: identical types are copied, containers element by element
+/// (the same shape on both sides), records through their table, anything else through its leaf.
+template <Direction Way, class Source, class Target>
+ConversionResult Convert(const Source& source, Target& target) {
+    if constexpr (std::is_same_v<Source, Target>) {
         target = source;
         return {};
-    } else if constexpr (IsVector<Domain>::value) {
+    } else if constexpr (IsVector<Source>::value) {
         target.clear();
         target.resize(source.size());
         for (std::size_t index = 0; index < source.size(); ++index) {
-            auto result = ToWire(source[index], target[index]);
+            auto result = Convert<Way>(source[index], target[index]);
             if (!result.success) {
                 return Prefixed("[" + std::to_string(index) + "]", std::move(result));
             }
         }
         return {};
-    } else if constexpr (IsSet<Domain>::value) {
+    } else if constexpr (IsSet<Source>::value) {
         target.clear();
         for (const auto& element : source) {
-            typename Wire::value_type converted;
-            auto result = ToWire(element, converted);
+            typename Target::value_type converted;
+            auto result = Convert<Way>(element, converted);
             if (!result.success) {
                 return Prefixed("[]", std::move(result));
             }
             target.insert(std::move(converted));
         }
         return {};
-    } else if constexpr (IsMap<Domain>::value) {
+    } else if constexpr (IsMap<Source>::value) {
         target.clear();
         for (const auto& [key, value] : source) {
-            typename Wire::key_type wireKey;
-            typename Wire::mapped_type wireValue;
-            auto result = ToWire(key, wireKey);
+            typename Target::key_type convertedKey;
+            typename Target::mapped_type convertedValue;
+            auto result = Convert<Way>(key, convertedKey);
             if (result.success) {
-                result = ToWire(value, wireValue);
+                result = Convert<Way>(value, convertedValue);
             }
             if (!result.success) {
                 return Prefixed("[]", std::move(result));
             }
-            target.insert_or_assign(std::move(wireKey), std::move(wireValue));
+            target.insert_or_assign(std::move(convertedKey), std::move(convertedValue));
         }
         return {};
-    } else if constexpr (HasTable<Domain, Wire>::value) {
-        return ForEachField<Domain, Wire>(
-            [&](const auto& field) { return field.ToWire(source, target); });
+    } else if constexpr (Way == Direction::ToWire) {
+        if constexpr (HasTable<Source, Target>::value) {
+            return ForEachField<Source, Target>(
+                [&](const auto& field) { return field.ToWire(source, target); });
+        } else {
+            return Leaf<Source, Target>::ToWire(source, target);
+        }
     } else {
-        return Leaf<Domain, Wire>::ToWire(source, target);
+        if constexpr (HasTable<Target, Source>::value) {
+            return ForEachField<Target, Source>(
+                [&](const auto& field) { return field.FromWire(source, target); });
+        } else {
+            return Leaf<Target, Source>::FromWire(source, target);
+        }
     }
 }
 
 template <class Domain, class Wire>
+ConversionResult ToWire(const Domain& source, Wire& target) {
+    return Convert<Direction::ToWire>(source, target);
+}
+
+template <class Domain, class Wire>
 ConversionResult FromWire(const Wire& source, Domain& target) {
-    if constexpr (std::is_same_v<Domain, Wire>) {
-        target = source;
-        return {};
-    } else if constexpr (IsVector<Domain>::value) {
-        target.clear();
-        target.resize(source.size());
-        for (std::size_t index = 0; index < source.size(); ++index) {
-            auto result = FromWire(source[index], target[index]);
-            if (!result.success) {
-                return Prefixed("[" + std::to_string(index) + "]", std::move(result));
-            }
-        }
-        return {};
-    } else if constexpr (IsSet<Domain>::value) {
-        target.clear();
-        for (const auto& element : source) {
-            typename Domain::value_type converted;
-            auto result = FromWire(element, converted);
-            if (!result.success) {
-                return Prefixed("[]", std::move(result));
-            }
-            target.insert(std::move(converted));
-        }
-        return {};
-    } else if constexpr (IsMap<Domain>::value) {
-        target.clear();
-        for (const auto& [key, value] : source) {
-            typename Domain::key_type domainKey;
-            typename Domain::mapped_type domainValue;
-            auto result = FromWire(key, domainKey);
-            if (result.success) {
-                result = FromWire(value, domainValue);
-            }
-            if (!result.success) {
-                return Prefixed("[]", std::move(result));
-            }
-            target.insert_or_assign(std::move(domainKey), std::move(domainValue));
-        }
-        return {};
-    } else if constexpr (HasTable<Domain, Wire>::value) {
-        return ForEachField<Domain, Wire>(
-            [&](const auto& field) { return field.FromWire(source, target); });
-    } else {
-        return Leaf<Domain, Wire>::FromWire(source, target);
-    }
+    return Convert<Direction::FromWire>(source, target);
 }
 
 /// A field written on every encoding.
@@ -293,7 +267,7 @@ struct BasePart {
 
 template <class DomainBase, class WireMember, class IsSet, class MarkSet>
 BasePart<DomainBase, WireMember, IsSet, MarkSet> MakeBasePart(const char* name, WireMember wire,
-                                                             IsSet isSet, MarkSet markSet) {
+                                                              IsSet isSet, MarkSet markSet) {
     return {name, wire, isSet, markSet};
 }
 
