@@ -90,6 +90,7 @@ void NotificationClient::Run() {
             const auto event = subscription->Receive();
             const Message& message = event.Payload();
             const std::string header = message.GetHeader();
+            std::lock_guard<std::mutex> lock(handlersMutex);
             if (auto found = clipCommandMessageTypes.find(header);
                 found != clipCommandMessageTypes.end()) {
                 DispatchClipCommand(found->second, message);

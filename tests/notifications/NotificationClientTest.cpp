@@ -72,6 +72,17 @@ protected:
         ASSERT_TRUE(publisher.WaitForSubscriptions({""}));
     }
 
+    void TearDown() override { client.reset(); }
+
+    // The client with its callbacks' lock held until the end of the statement: the lists change
+    // while the receiving thread runs.
+    struct LockedClient {
+        std::unique_lock<std::mutex> lock;
+        NotificationClient* client;
+        NotificationClient* operator->() { return client; }
+    };
+    LockedClient Locked() { return {client->LockHandlers(), client.get()}; }
+
     void Publish(const std::string& header, const std::string& payload) {
         publisher.Publish("Test", header, payload);
     }
@@ -87,36 +98,38 @@ TEST_F(NotificationClientTest, EveryTypeReachesItsListAndItsFamilyAsItsClass) {
     auto specific = [this](const char* name) {
         return [this, name](const auto&) { calls.Add(name); };
     };
-    client->clipCreationStartedHandlers.push_back(specific("ClipCreationStarted"));
-    client->clipCreationFinishedHandlers.push_back(specific("ClipCreationFinished"));
-    client->clipUpdateFinishedHandlers.push_back(specific("ClipUpdateFinished"));
-    client->clipDeletionFinishedHandlers.push_back(specific("ClipDeletionFinished"));
-    client->clipMoveStartedHandlers.push_back(specific("ClipMoveStarted"));
-    client->clipMoveFinishedHandlers.push_back(specific("ClipMoveFinished"));
-    client->massClipUpdateFinishedHandlers.push_back(specific("MassClipUpdateFinished"));
-    client->massClipDeletionFinishedHandlers.push_back(specific("MassClipDeletionFinished"));
-    client->recordingRangesChangedHandlers.push_back(specific("RecordingRangesChanged"));
-    client->recorderStateChangedHandlers.push_back(specific("RecorderStateChanged"));
-    client->playerStateChangedHandlers.push_back(specific("PlayerStateChanged"));
-    client->anglesGroupCreationFinishedHandlers.push_back(specific("AnglesGroupCreationFinished"));
-    client->anglesGroupDeletionFinishedHandlers.push_back(specific("AnglesGroupDeletionFinished"));
-    client->anglesGroupUpdateFinishedHandlers.push_back(specific("AnglesGroupUpdateFinished"));
-    client->serverAddedHandlers.push_back(specific("ServerAdded"));
-    client->serverRemovedHandlers.push_back(specific("ServerRemoved"));
-    client->disconnectedFromNetworkHandlers.push_back(specific("DisconnectedFromNetwork"));
-    client->clipCommandHandlers.push_back(
+    Locked()->clipCreationStartedHandlers.push_back(specific("ClipCreationStarted"));
+    Locked()->clipCreationFinishedHandlers.push_back(specific("ClipCreationFinished"));
+    Locked()->clipUpdateFinishedHandlers.push_back(specific("ClipUpdateFinished"));
+    Locked()->clipDeletionFinishedHandlers.push_back(specific("ClipDeletionFinished"));
+    Locked()->clipMoveStartedHandlers.push_back(specific("ClipMoveStarted"));
+    Locked()->clipMoveFinishedHandlers.push_back(specific("ClipMoveFinished"));
+    Locked()->massClipUpdateFinishedHandlers.push_back(specific("MassClipUpdateFinished"));
+    Locked()->massClipDeletionFinishedHandlers.push_back(specific("MassClipDeletionFinished"));
+    Locked()->recordingRangesChangedHandlers.push_back(specific("RecordingRangesChanged"));
+    Locked()->recorderStateChangedHandlers.push_back(specific("RecorderStateChanged"));
+    Locked()->playerStateChangedHandlers.push_back(specific("PlayerStateChanged"));
+    Locked()->anglesGroupCreationFinishedHandlers.push_back(
+        specific("AnglesGroupCreationFinished"));
+    Locked()->anglesGroupDeletionFinishedHandlers.push_back(
+        specific("AnglesGroupDeletionFinished"));
+    Locked()->anglesGroupUpdateFinishedHandlers.push_back(specific("AnglesGroupUpdateFinished"));
+    Locked()->serverAddedHandlers.push_back(specific("ServerAdded"));
+    Locked()->serverRemovedHandlers.push_back(specific("ServerRemoved"));
+    Locked()->disconnectedFromNetworkHandlers.push_back(specific("DisconnectedFromNetwork"));
+    Locked()->clipCommandHandlers.push_back(
         [this](ClipCommandEvent::Type type, const ClipCommandEventArgs&) {
             calls.Add("clipCommand:" + std::to_string(type));
         });
-    client->clipStatusHandlers.push_back(
+    Locked()->clipStatusHandlers.push_back(
         [this](ClipStatusEvent::Type type, const ClipStatusEventArgs&) {
             calls.Add("clipStatus:" + std::to_string(type));
         });
-    client->channelStatusHandlers.push_back(
+    Locked()->channelStatusHandlers.push_back(
         [this](ChannelStatusEvent::Type type, const ChannelStatusEventArgs& args) {
             calls.Add("channelStatus:" + std::to_string(type) + ":" + args.channelGuid.ToString());
         });
-    client->serverStatusHandlers.push_back(
+    Locked()->serverStatusHandlers.push_back(
         [this](ServerStatusEvent::Type type, const ServerStatusEventArgs& args) {
             calls.Add("serverStatus:" + std::to_string(type) + ":" + std::to_string(args.serverId));
         });
@@ -249,7 +262,7 @@ TEST_F(NotificationClientTest, ArgumentsArriveWhole) {
     sent.timestamp = 123;
     sent.state = Samples::PlayerState(3);
     std::optional<PlayerStateChangedEventArgs> received;
-    client->playerStateChangedHandlers.push_back([&](const PlayerStateChangedEventArgs& args) {
+    Locked()->playerStateChangedHandlers.push_back([&](const PlayerStateChangedEventArgs& args) {
         received = args;
         calls.Add("player");
     });
@@ -262,11 +275,11 @@ TEST_F(NotificationClientTest, ArgumentsArriveWhole) {
 }
 
 TEST_F(NotificationClientTest, SpecificHandlersRunBeforeGenericOnesInListOrder) {
-    client->serverRemovedHandlers.push_back(
+    Locked()->serverRemovedHandlers.push_back(
         [this](const ServerRemovedEventArgs&) { calls.Add("specific 1"); });
-    client->serverRemovedHandlers.push_back(
+    Locked()->serverRemovedHandlers.push_back(
         [this](const ServerRemovedEventArgs&) { calls.Add("specific 2"); });
-    client->serverStatusHandlers.push_back(
+    Locked()->serverStatusHandlers.push_back(
         [this](ServerStatusEvent::Type, const ServerStatusEventArgs&) { calls.Add("generic 1"); });
     Publish(
         "ServerRemoved",
@@ -277,9 +290,9 @@ TEST_F(NotificationClientTest, SpecificHandlersRunBeforeGenericOnesInListOrder) 
 }
 
 TEST_F(NotificationClientTest, BadMessagesAreLoggedAndTheNextOneStillArrives) {
-    client->serverRemovedHandlers.push_back(
+    Locked()->serverRemovedHandlers.push_back(
         [this](const ServerRemovedEventArgs& args) { calls.Add(std::to_string(args.serverId)); });
-    client->serverAddedHandlers.push_back(
+    Locked()->serverAddedHandlers.push_back(
         [](const ServerAddedEventArgs&) { throw std::runtime_error("callback failed"); });
     ServerRemovedEventArgs marker;
     auto publishMarker = [&](int serverId) {
@@ -317,7 +330,7 @@ TEST_F(NotificationClientTest, BadMessagesAreLoggedAndTheNextOneStillArrives) {
 
 TEST_F(NotificationClientTest, ShutdownDuringReceiveEndsWithOneTraceLine) {
     // One notification handled proves the loop runs; it then waits in Receive for the next.
-    client->serverRemovedHandlers.push_back(
+    Locked()->serverRemovedHandlers.push_back(
         [this](const ServerRemovedEventArgs&) { calls.Add("x"); });
     Publish(
         "ServerRemoved",

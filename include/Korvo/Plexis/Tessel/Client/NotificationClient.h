@@ -3,6 +3,7 @@
 #include <functional>
 #include <future>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -19,13 +20,13 @@ namespace Korvo::Plexis::Tessel::Client {
 /// the callbacks the application put in the lists below.
 ///
 /// The constructor subscribes and starts one thread that runs for the client's life. Fill the
-/// lists right after construction, before the notifications of interest arrive: the thread reads
-/// them without a lock. For each notification the thread calls, in order, every callback of the
-/// type's own list, then every callback of its family's list (with the type's enumerator), one
-/// notification at a time, in the order received; a slow callback delays every later one. A
-/// notification that cannot be decoded, or whose callback throws, is logged (logger
-/// "NotificationClient", level 50) and skipped; the next one is handled as usual. An unknown type
-/// name is logged and dropped.
+/// lists right after construction, before the notifications of interest arrive, or hold
+/// `LockHandlers()` while changing them once notifications may be flowing. For each notification
+/// the thread calls, in order, every callback of the type's own list, then every callback of its
+/// family's list (with the type's enumerator), one notification at a time, in the order received; a
+/// slow callback delays every later one. A notification that cannot be decoded, or whose callback
+/// throws, is logged (logger "NotificationClient", level 50) and skipped; the next one is handled
+/// as usual. An unknown type name is logged and dropped.
 class NotificationClient {
 public:
     template <class Args>
@@ -46,6 +47,13 @@ public:
 
     NotificationClient(const NotificationClient&) = delete;
     NotificationClient& operator=(const NotificationClient&) = delete;
+
+    /// The lock under which the receiving thread calls the callbacks of one notification. Hold it
+    /// while changing a list once notifications may arrive; then the change is seen whole by the
+    /// next notification. Must not be called from a callback (the thread already holds it).
+    std::unique_lock<std::mutex> LockHandlers() {
+        return std::unique_lock<std::mutex>(handlersMutex);
+    }
 
     /// The subscription, for its connection states and handler. It lives as long as the client.
     Common::Messaging::Client::Subscription& GetSubscription() { return *subscription; }
@@ -101,6 +109,7 @@ private:
                               const Common::Messaging::Message& message);
 
     std::shared_ptr<Logging::ILogger> logger;
+    std::mutex handlersMutex;
 };
 
 }  // namespace Korvo::Plexis::Tessel::Client
