@@ -23,8 +23,8 @@ ConversionResult Leaf<DomainChannelReply, WireChannelReply>::ToWire(
                            " is outside the 0 to 12 results the reply holds");
     }
     target = WireChannelReply();
-    target.__set_commandGuid(WireData::Guid());
-    target.commandGuid.value = source.commandGuid.GetValue();
+    target.__isset.commandGuid = true;
+    Mapping::ToWire(source.commandGuid, target.commandGuid);
     target.__isset.results = true;
     for (const auto& result : source) {
         WireCommands::ChannelResult wire;
@@ -45,7 +45,7 @@ ConversionResult Leaf<DomainChannelReply, WireChannelReply>::ToWire(
 ConversionResult Leaf<DomainChannelReply, WireChannelReply>::FromWire(
     const WireChannelReply& source, DomainChannelReply& target) {
     if (source.__isset.commandGuid) {
-        target.commandGuid = DomainData::Guid(source.commandGuid.value);
+        Mapping::FromWire(source.commandGuid, target.commandGuid);
     }
     if (!source.__isset.results) {
         return {};
