@@ -13,3 +13,8 @@ if(KORVO_BUILD_TESTS)
     find_package(GTest REQUIRED)
     include(GoogleTest)
 endif()
+
+if(KORVO_BUILD_TOOLS)
+    # CLI11, header-only, parses the programs' command lines.
+    find_path(CLI11_INCLUDE_DIR CLI/CLI.hpp REQUIRED)
+endif()

@@ -2,6 +2,7 @@
 # so that a parent project that adds us with add_subdirectory gets just the library.
 
 option(KORVO_BUILD_TESTS "Build the tests" ${PROJECT_IS_TOP_LEVEL})
+option(KORVO_BUILD_TOOLS "Build the simulator and the command-line programs" ${PROJECT_IS_TOP_LEVEL})
 option(KORVO_BUILD_EXAMPLES "Build the example programs" ${PROJECT_IS_TOP_LEVEL})
 option(KORVO_WARNINGS_AS_ERRORS "Treat compiler warnings as errors" OFF)
 set(KORVO_SANITIZE "" CACHE STRING
