@@ -546,6 +546,24 @@ Args Model::CommandEvent(const Data::Guid& commandGuid, int serverId, int sequen
     return args;
 }
 
+template <class Args, class Items, class ServerOf>
+bool Model::PublishedAsMass(const Data::Guid& commandGuid, const Items& items, ServerOf serverOf) {
+    if (items.size() <= options.massThreshold) {
+        return false;
+    }
+    std::map<int, std::int64_t> perServer;
+    for (const auto& item : items) {
+        ++perServer[serverOf(item)];
+    }
+    for (const auto& [server, count] : perServer) {
+        auto args = CommandEvent<Args>(commandGuid, server, 0);
+        args.clipCount = count;
+        args.revision = revision;
+        emitter->Notify(ServerName(server), args);
+    }
+    return true;
+}
+
 // ---------------------------------------------------------------------------------------------
 // Channel commands
 
@@ -895,17 +913,8 @@ void Model::Handle(const Commands::DeleteClipsCommandParams& params) {
         reply.results.push_back(std::move(result));
     }
     emitter->Reply(std::move(reply));
-    if (deleted.size() > options.massThreshold) {
-        std::map<int, std::int64_t> perServer;
-        for (const auto& entry : deleted) {
-            ++perServer[entry.serverId];
-        }
-        for (const auto& [server, count] : perServer) {
-            auto args = CommandEvent<Events::MassClipDeletionEventArgs>(params.commandGuid, server, 0);
-            args.clipCount = count;
-            args.revision = revision;
-            emitter->Notify(ServerName(server), args);
-        }
+    if (PublishedAsMass<Events::MassClipDeletionEventArgs>(
+            params.commandGuid, deleted, [](const ClipEntry& entry) { return entry.serverId; })) {
         return;
     }
     int sequence = 0;
@@ -1011,17 +1020,8 @@ void Model::Handle(const Commands::UpdateClipsCommandParams& params) {
         reply.results.push_back(std::move(result));
     }
     emitter->Reply(std::move(reply));
-    if (changes.size() > options.massThreshold) {
-        std::map<int, std::int64_t> perServer;
-        for (const auto& change : changes) {
-            ++perServer[change.server];
-        }
-        for (const auto& [server, count] : perServer) {
-            auto args = CommandEvent<Events::MassClipUpdateEventArgs>(params.commandGuid, server, 0);
-            args.clipCount = count;
-            args.revision = revision;
-            emitter->Notify(ServerName(server), args);
-        }
+    if (PublishedAsMass<Events::MassClipUpdateEventArgs>(
+            params.commandGuid, changes, [](const Change& change) { return change.server; })) {
         return;
     }
     int sequence = 0;

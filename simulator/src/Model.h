@@ -165,6 +165,11 @@ private:
     template <class Args>
     Args CommandEvent(const Data::Guid& commandGuid, int serverId, int sequenceNumber) const;
 
+    // Above the mass threshold, one mass notification per server instead of one per clip: true
+    // when it published them.
+    template <class Args, class Items, class ServerOf>
+    bool PublishedAsMass(const Data::Guid& commandGuid, const Items& items, ServerOf serverOf);
+
     // Creates the clips of a command, publishing their creation; the reply's results.
     Commands::ClipCommandReply CreateClips(const Commands::CreateClipsCommandParams& params);
     void FinishRecording(RecorderEntry& recorder, const Data::Guid& commandGuid);
