@@ -21,12 +21,8 @@ std::unique_ptr<CommandClient> ConnectCommandClient(const std::string& endpoint,
     }
     auto client = std::make_unique<CommandClient>(std::move(messenger), payloads, replies);
     // A command is only sent on a link that is up; wait for it rather than lose the first one.
-    const auto deadline = std::chrono::steady_clock::now() + kSessionPatience;
-    while (client->GetConnectionState() != ConnectionState::Connected &&
-           std::chrono::steady_clock::now() < deadline) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
-    EXPECT_EQ(client->GetConnectionState(), ConnectionState::Connected);
+    EXPECT_TRUE(Eventually(
+        [&] { return client->GetConnectionState() == ConnectionState::Connected; }));
     return client;
 }
 

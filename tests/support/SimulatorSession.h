@@ -12,6 +12,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <thread>
 #include <typeindex>
 #include <vector>
 
@@ -106,6 +107,19 @@ struct Answer {
         return *reply;
     }
 };
+
+/// Polls `condition` until it holds, for up to the session's patience; whether it did.
+template <class Condition>
+bool Eventually(Condition condition) {
+    const auto deadline = std::chrono::steady_clock::now() + kSessionPatience;
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > deadline) {
+            return false;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    return true;
+}
 
 /// Parameters of class `P` with a fresh command identifier.
 template <class P>
