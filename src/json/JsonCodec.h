@@ -32,6 +32,8 @@
 #include <Korvo/Plexis/Tessel/Json/JsonError.h>
 #include <Korvo/TimePoints/TimeCode.h>
 
+#include "converters/FieldMapping.h"
+
 namespace Korvo::Plexis::Tessel::Json::Detail {
 
 /// Objects keep their keys in insertion order, which is the field list's order.
@@ -83,10 +85,7 @@ struct HasFieldList<T, std::void_t<decltype(FieldList<T>::Rows())>> : std::true_
 
 template <class T>
 struct IsOptional : std::false_type {};
-template <class T>
-struct IsSet : std::false_type {};
-template <class T, class C, class A>
-struct IsSet<std::set<T, C, A>> : std::true_type {};
+using Serialization::Thrift::Mapping::IsSet;
 template <class T>
 struct IsOptional<std::optional<T>> : std::true_type {};
 

@@ -23,6 +23,8 @@
 #include <Korvo/Plexis/Multiviewer/PlayerDataOverrides.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/ChannelCommandReply.h>
 
+#include "converters/FieldMapping.h"
+
 namespace Korvo::Testing::Samples {
 
 namespace Data = Plexis::Data;
@@ -42,18 +44,9 @@ Data::OperationStatus Status(int seed = 1);
 
 namespace Fill {
 
-template <class T>
-struct IsVector : std::false_type {};
-template <class T, class A>
-struct IsVector<std::vector<T, A>> : std::true_type {};
-template <class T>
-struct IsSet : std::false_type {};
-template <class T, class C, class A>
-struct IsSet<std::set<T, C, A>> : std::true_type {};
-template <class T>
-struct IsMap : std::false_type {};
-template <class K, class V, class C, class A>
-struct IsMap<std::map<K, V, C, A>> : std::true_type {};
+using Plexis::Tessel::Serialization::Thrift::Mapping::IsMap;
+using Plexis::Tessel::Serialization::Thrift::Mapping::IsSet;
+using Plexis::Tessel::Serialization::Thrift::Mapping::IsVector;
 template <class T>
 struct IsOptional : std::false_type {};
 template <class T>
