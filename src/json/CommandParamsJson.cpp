@@ -14,9 +14,9 @@ constexpr std::string_view CommandName(std::string_view wireRecord) {
     return wireRecord.substr(0, wireRecord.size() - std::string_view("Params").size());
 }
 
-#define KORVO_JSON_COMMAND_ROW(Domain, Wire)                                                \
-    Row<Result>{CommandName(#Wire), &typeid(HighLevelOperations::Commands::Domain),         \
-                &Detail::WriteObject<HighLevelOperations::Commands::Domain>,                \
+#define KORVO_JSON_COMMAND_ROW(Domain, Wire)                                        \
+    Row<Result>{CommandName(#Wire), &typeid(HighLevelOperations::Commands::Domain), \
+                &Detail::WriteObject<HighLevelOperations::Commands::Domain>,        \
                 &Detail::ReadObject<HighLevelOperations::Commands::Domain, Result>},
 const Row<Result> kCommands[] = {KORVO_TESSEL_COMMAND_RECORDS(KORVO_JSON_COMMAND_ROW)};
 #undef KORVO_JSON_COMMAND_ROW
@@ -37,8 +37,8 @@ std::unique_ptr<HighLevelOperations::Commands::CommandParams> CommandParamsFromJ
 
 std::string CommandParamsToJson(const HighLevelOperations::Commands::CommandParams& params,
                                 int indent) {
-    return Detail::WriteWithRow(Detail::FindByType(kCommands, params, "command parameters"),
-                                params, false, indent);
+    return Detail::WriteWithRow(Detail::FindByType(kCommands, params, "command parameters"), params,
+                                false, indent);
 }
 
 std::string CommandNameOf(const HighLevelOperations::Commands::CommandParams& params) {

@@ -9,9 +9,9 @@ namespace {
 using Detail::Row;
 using Result = std::unique_ptr<HighLevelOperations::Commands::CommandReply>;
 
-#define KORVO_JSON_REPLY_ROW(Domain, Wire)                                                   \
-    Row<Result>{#Domain, &typeid(HighLevelOperations::Commands::Domain),                     \
-                &Detail::WriteObject<HighLevelOperations::Commands::Domain>,                 \
+#define KORVO_JSON_REPLY_ROW(Domain, Wire)                                   \
+    Row<Result>{#Domain, &typeid(HighLevelOperations::Commands::Domain),     \
+                &Detail::WriteObject<HighLevelOperations::Commands::Domain>, \
                 &Detail::ReadObject<HighLevelOperations::Commands::Domain, Result>},
 const Row<Result> kReplies[] = {KORVO_TESSEL_REPLY_RECORDS(KORVO_JSON_REPLY_ROW)};
 #undef KORVO_JSON_REPLY_ROW
@@ -20,19 +20,16 @@ const Row<Result> kReplies[] = {KORVO_TESSEL_REPLY_RECORDS(KORVO_JSON_REPLY_ROW)
 
 namespace Detail {
 
-void Codec<Commands::ChannelCommandReply>::Write(
-    const Commands::ChannelCommandReply& value, Value& json) {
+void Codec<Commands::ChannelCommandReply>::Write(const Commands::ChannelCommandReply& value,
+                                                 Value& json) {
     json = Value::object();
     WriteMember("commandGuid", value.commandGuid, json);
-    WriteMember("results",
-                std::vector<Commands::ChannelResult>(value.begin(),
-                                                                          value.end()),
-                json);
+    WriteMember("results", std::vector<Commands::ChannelResult>(value.begin(), value.end()), json);
 }
 
-void Codec<Commands::ChannelCommandReply>::Read(
-    const Value& json, Commands::ChannelCommandReply& value,
-    Reader& reader) {
+void Codec<Commands::ChannelCommandReply>::Read(const Value& json,
+                                                Commands::ChannelCommandReply& value,
+                                                Reader& reader) {
     using Reply = Commands::ChannelCommandReply;
     reader.Expect(json.is_object(), "an object", json);
     CheckKeys(json, {"commandGuid", "results"}, reader);

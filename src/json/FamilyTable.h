@@ -55,8 +55,8 @@ const Row<Result>& FindByType(const Row<Result> (&rows)[Count], const Base& obje
             return row;
         }
     }
-    throw std::invalid_argument(std::string("not a ") + family + " class of the JSON form: " +
-                                typeid(object).name());
+    throw std::invalid_argument(std::string("not a ") + family +
+                                " class of the JSON form: " + typeid(object).name());
 }
 
 /// The JSON text of `object` through its row, with "type" first when `typed`.
@@ -97,8 +97,8 @@ Result ReadTyped(const Row<Result> (&rows)[Count], std::string_view text, const 
     const auto* row = FindByName(rows, name);
     if (row == nullptr) {
         Reader::Scope scope(reader, "type");
-        reader.Fail(Kind::UnknownName, "unknown " + std::string(family) + " type " +
-                                           Value(name).dump());
+        reader.Fail(Kind::UnknownName,
+                    "unknown " + std::string(family) + " type " + Value(name).dump());
     }
     json.erase("type");
     if (typeName != nullptr) {

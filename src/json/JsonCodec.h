@@ -164,11 +164,13 @@ template <class Base>
 struct BaseFields {
     template <class T>
     void Write(const T& object, Value& json) const {
-        ForEachRow<Base>([&](const auto& row) { row.Write(static_cast<const Base&>(object), json); });
+        ForEachRow<Base>(
+            [&](const auto& row) { row.Write(static_cast<const Base&>(object), json); });
     }
     template <class T>
     void Read(const Value& json, T& object, Reader& reader) const {
-        ForEachRow<Base>([&](const auto& row) { row.Read(json, static_cast<Base&>(object), reader); });
+        ForEachRow<Base>(
+            [&](const auto& row) { row.Read(json, static_cast<Base&>(object), reader); });
     }
     void Names(std::vector<const char*>& names) const {
         ForEachRow<Base>([&](const auto& row) { row.Names(names); });
@@ -254,8 +256,7 @@ struct Codec<T, std::enable_if_t<std::is_integral_v<T> && !std::is_same_v<T, boo
         }
         if (!fits) {
             reader.Fail(Kind::BadValue, json.dump() + " is out of range (" +
-                                            std::to_string(std::numeric_limits<T>::min()) +
-                                            " to " +
+                                            std::to_string(std::numeric_limits<T>::min()) + " to " +
                                             std::to_string(std::numeric_limits<T>::max()) + ")");
         }
         value = json.is_number_unsigned() ? static_cast<T>(json.get<std::uint64_t>())
@@ -306,8 +307,7 @@ struct Codec<TimePoints::TimeCode> {
 /// The channel reply lists only its used results; `count` follows from the list.
 template <>
 struct Codec<HighLevelOperations::Commands::ChannelCommandReply> {
-    static void Write(const HighLevelOperations::Commands::ChannelCommandReply& value,
-                      Value& json);
+    static void Write(const HighLevelOperations::Commands::ChannelCommandReply& value, Value& json);
     static void Read(const Value& json, HighLevelOperations::Commands::ChannelCommandReply& value,
                      Reader& reader);
 };
@@ -399,11 +399,15 @@ std::string Dump(const Value& json, int indent);
 // clang-format on
 
 /// A member that may be left out (it keeps the class's default); written always.
-#define KORVO_JSON_FIELD(member) \
-    Field<T, decltype(T::member)> { #member, &T::member, false }
+#define KORVO_JSON_FIELD(member)    \
+    Field<T, decltype(T::member)> { \
+#member, &T::member, false  \
+    }
 /// A member that must be present when read.
 #define KORVO_JSON_REQUIRED(member) \
-    Field<T, decltype(T::member)> { #member, &T::member, true }
+    Field<T, decltype(T::member)> { \
+#member, &T::member, true   \
+    }
 /// Every row of the field list of the base class `Base`.
 #define KORVO_JSON_BASE(Base) \
     BaseFields<Base> {}

@@ -115,8 +115,10 @@ std::string Utf8ToUtf16(const std::string& text) {
     for (std::size_t index = 0; index < text.size();) {
         const auto lead = static_cast<unsigned char>(text[index]);
         const int length = lead < 0x80 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
-        std::uint32_t codePoint =
-            length == 1 ? lead : lead & (length == 2 ? 0x1F : length == 3 ? 0x0F : 0x07);
+        std::uint32_t codePoint = length == 1 ? lead
+                                              : lead & (length == 2   ? 0x1F
+                                                        : length == 3 ? 0x0F
+                                                                      : 0x07);
         for (int next = 1; next < length && index + next < text.size(); ++next) {
             codePoint = codePoint << 6 | (static_cast<unsigned char>(text[index + next]) & 0x3F);
         }
@@ -177,8 +179,7 @@ void Codec<std::string>::Read(const Value& json, std::string& value, Reader& rea
     value = json.get<std::string>();
 }
 
-Data::Channels::Guid KeyCodec<Data::Channels::Guid>::Read(const std::string& text,
-                                                          Reader& reader) {
+Data::Channels::Guid KeyCodec<Data::Channels::Guid>::Read(const std::string& text, Reader& reader) {
     auto channel = Data::Channels::Guid::Parse(text);
     if (!channel) {
         reader.Fail(Kind::BadChannel, Value(text).dump() +

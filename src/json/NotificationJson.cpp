@@ -14,8 +14,7 @@ DecodedNotification ReadNotification(const Detail::Value& json, Detail::Reader& 
     DecodedNotification decoded;
     if constexpr (std::is_base_of_v<Notification::CommandEventArgs, Args>) {
         decoded.commandArgs =
-            Detail::ReadObject<Args, std::unique_ptr<Notification::CommandEventArgs>>(json,
-                                                                                      reader);
+            Detail::ReadObject<Args, std::unique_ptr<Notification::CommandEventArgs>>(json, reader);
     } else {
         decoded.statusArgs =
             Detail::ReadObject<Args, std::unique_ptr<System::EventArgs>>(json, reader);
@@ -23,9 +22,9 @@ DecodedNotification ReadNotification(const Detail::Value& json, Detail::Reader& 
     return decoded;
 }
 
-#define KORVO_JSON_NOTIFICATION_ROW(Name, Family, Args)                                  \
-    Row<DecodedNotification>{#Name, &typeid(Notification::Args),                         \
-                             &Detail::WriteObject<Notification::Args>,                   \
+#define KORVO_JSON_NOTIFICATION_ROW(Name, Family, Args)                \
+    Row<DecodedNotification>{#Name, &typeid(Notification::Args),       \
+                             &Detail::WriteObject<Notification::Args>, \
                              &ReadNotification<Notification::Args>},
 const Row<DecodedNotification> kNotifications[] = {
     KORVO_TESSEL_NOTIFICATIONS(KORVO_JSON_NOTIFICATION_ROW)};

@@ -145,7 +145,7 @@ TEST(JsonForm, ClipTextsAndTimeCodeAreWrittenAsDocumented) {
     Plexis::Data::Clips::Clip clip;
     clip.umId = "U1";
     clip.name = Plexis::Data::Clips::AsciiOrUtf16String::Ascii("Goal");
-    clip.varId = {std::string("\0C\0a\0f\0\xE9", 8), true};  // "Café" in big-endian UTF-16
+    clip.varId = {std::string("\0C\0a\0f\0\xE9", 8), true};        // "Café" in big-endian UTF-16
     clip.keywords = {{std::string("\xD8\x3D\xDE\x00", 4), true}};  // U+1F600, a surrogate pair
     clip.rating = 5;
     clip.timecode = TimePoints::TimeCode(25, 1, 1234, false, true);
@@ -158,7 +158,8 @@ TEST(JsonForm, ClipTextsAndTimeCodeAreWrittenAsDocumented) {
  "clips": [
   {
    "umId": "U1",
-   "sourceUmId": ")" + std::string(64, ' ') + R"(",)";
+   "sourceUmId": ")" + std::string(64, ' ') +
+                                  R"(",)";
     EXPECT_EQ(text.substr(0, clipStart.size()), clipStart);
     EXPECT_NE(text.find(R"("name": "Goal",
    "varId": {

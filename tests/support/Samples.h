@@ -67,9 +67,9 @@ void Fill(T& value, int& seed) {
         value = T("guid-" + std::to_string(++seed));
     } else if constexpr (std::is_same_v<T, Data::Channels::Guid>) {
         ++seed;
-        value = Data::Channels::Guid(seed % 2 ? Data::Channels::Guid::Player
-                                              : Data::Channels::Guid::Recorder,
-                                     seed % 5 + 1, static_cast<unsigned>(seed % 8));
+        value = Data::Channels::Guid(
+            seed % 2 ? Data::Channels::Guid::Player : Data::Channels::Guid::Recorder, seed % 5 + 1,
+            static_cast<unsigned>(seed % 8));
     } else if constexpr (std::is_same_v<T, Data::Clips::AsciiOrUtf16String>) {
         value = {"text-" + std::to_string(++seed), false};
     } else if constexpr (std::is_same_v<T, Data::Clips::Clip>) {
@@ -121,9 +121,11 @@ void Fill(T& value, int& seed) {
     } else {
         // Any class that lists its members for equality: fill each of them. The members belong to
         // `value`, which is not const, so writing through the listed references is sound.
-        std::apply([&](const auto&... member) {
-            (Fill(const_cast<std::decay_t<decltype(member)>&>(member), seed), ...);
-        }, value.Fields());
+        std::apply(
+            [&](const auto&... member) {
+                (Fill(const_cast<std::decay_t<decltype(member)>&>(member), seed), ...);
+            },
+            value.Fields());
     }
 }
 
