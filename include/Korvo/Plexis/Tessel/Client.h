@@ -153,6 +153,11 @@
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/UpdateClipsCommandParams.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/UpdatePlaylistParams.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/UpdatePlaylistsCommandParams.h>
+#include <Korvo/Plexis/Tessel/Json/CommandParamsJson.h>
+#include <Korvo/Plexis/Tessel/Json/CommandReplyJson.h>
+#include <Korvo/Plexis/Tessel/Json/DecodedNotification.h>
+#include <Korvo/Plexis/Tessel/Json/JsonError.h>
+#include <Korvo/Plexis/Tessel/Json/NotificationJson.h>
 #include <Korvo/Plexis/Tessel/Logging/ILogger.h>
 #include <Korvo/Plexis/Tessel/Logging/ILoggerFactory.h>
 #include <Korvo/Plexis/Tessel/Logging/Loggers.h>
