@@ -8,6 +8,8 @@ pkg_check_modules(ZMQ REQUIRED IMPORTED_TARGET GLOBAL libzmq>=4.3)
 # cppzmq, its header-only C++ wrapper, used by the library's sources and tests only: no public
 # header includes it, so applications need neither it nor the libzmq headers.
 find_path(CPPZMQ_INCLUDE_DIR zmq.hpp HINTS ${ZMQ_INCLUDE_DIRS} REQUIRED)
+# nlohmann-json, header-only, for the JSON layer's sources; no public header includes it.
+find_path(NLOHMANN_JSON_INCLUDE_DIR nlohmann/json.hpp REQUIRED)
 
 if(KORVO_BUILD_TESTS)
     find_package(GTest REQUIRED)
