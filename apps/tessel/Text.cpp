@@ -1,5 +1,8 @@
 #include "Text.h"
 
+#include <iconv.h>
+
+#include <algorithm>
 #include <cstdio>
 
 #include "Errors.h"
@@ -13,19 +16,6 @@ constexpr double kFieldsPerSecond = 50.0;
 template <class T>
 std::string NumberOrDash(const std::optional<T>& value) {
     return value ? std::to_string(*value) : "-";
-}
-
-void AppendUtf8(std::string& text, std::uint32_t codePoint) {
-    if (codePoint < 0x80) {
-        text += static_cast<char>(codePoint);
-    } else if (codePoint < 0x800) {
-        text += static_cast<char>(0xC0 | (codePoint >> 6));
-        text += static_cast<char>(0x80 | (codePoint & 0x3F));
-    } else {
-        text += static_cast<char>(0xE0 | (codePoint >> 12));
-        text += static_cast<char>(0x80 | ((codePoint >> 6) & 0x3F));
-        text += static_cast<char>(0x80 | (codePoint & 0x3F));
-    }
 }
 
 }  // namespace
@@ -96,18 +86,31 @@ std::string TextOf(const Data::Clips::AsciiOrUtf16String& text) {
     if (!text.isUtf16) {
         return text.data;
     }
-    // Big-endian code units; a surrogate pair is shown as one replacement character.
-    std::string utf8;
-    for (std::size_t index = 0; index + 1 < text.data.size(); index += 2) {
-        const auto unit =
-            static_cast<std::uint32_t>(static_cast<unsigned char>(text.data[index]) << 8 |
-                                       static_cast<unsigned char>(text.data[index + 1]));
-        if (unit >= 0xDC00 && unit < 0xE000) {
-            continue;
-        }
-        AppendUtf8(utf8, unit >= 0xD800 && unit < 0xDC00 ? 0xFFFD : unit);
+    // Big-endian code units, converted by the C library; what does not convert shows as "?".
+    const iconv_t converter = ::iconv_open("UTF-8", "UTF-16BE");
+    if (converter == reinterpret_cast<iconv_t>(-1)) {
+        return "?";
     }
-    return utf8;
+    std::string input = text.data;
+    std::string output(input.size() * 2 + 4, '\0');
+    char* in = input.data();
+    char* out = output.data();
+    std::size_t inLeft = input.size();
+    std::size_t outLeft = output.size();
+    while (inLeft > 0 &&
+           ::iconv(converter, &in, &inLeft, &out, &outLeft) == static_cast<std::size_t>(-1)) {
+        // Skip one undecodable code unit (or a lone trailing byte) and go on.
+        const std::size_t skip = std::min<std::size_t>(2, inLeft);
+        in += skip;
+        inLeft -= skip;
+        if (outLeft > 0) {
+            *out++ = '?';
+            --outLeft;
+        }
+    }
+    ::iconv_close(converter);
+    output.resize(output.size() - outLeft);
+    return output;
 }
 
 std::string KeywordsText(const std::vector<Data::Clips::AsciiOrUtf16String>& keywords) {

@@ -37,7 +37,7 @@ Replies Execute(Session& session, const std::string& commandName,
                 const HighLevelOperations::Commands::CommandParams& params,
                 const OutputOptions& output, std::ostream& out, std::ostream& err);
 
-/// A fresh command identifier (random, in the usual 8-4-4-4-12 hexadecimal form).
+/// A fresh command identifier: "tessel-<random process tag>-<count>". Any thread.
 std::string NewCommandId();
 
 /// Parameters of class `P` with a fresh command identifier.

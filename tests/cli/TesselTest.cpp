@@ -23,6 +23,7 @@
 #include "Errors.h"
 #include "Output.h"
 #include "Session.h"
+#include "Text.h"
 #include "cli/ChildProcess.h"
 
 namespace Korvo::Testing {
@@ -372,6 +373,28 @@ TEST(TesselProgressTest, ShowsPartsOnlyWhenEnabledAndErasesTheLine) {
     Plexis::Tessel::Cli::Progress(disabled, false).Add(part, false);
     EXPECT_EQ(single.str(), "");
     EXPECT_EQ(disabled.str(), "");
+}
+
+TEST(TesselTextTest, ChannelsTextsAndStatusesReadAsAPersonWrites) {
+    using Plexis::Data::Channels::Guid;
+    using Plexis::Tessel::Cli::ParseChannel;
+    EXPECT_EQ(ParseChannel("1:0", Guid::Player), Guid::PlayerOf(1, 0));
+    EXPECT_EQ(ParseChannel("2:5", Guid::Recorder), Guid::RecorderOf(2, 5));
+    EXPECT_EQ(ParseChannel("recorder:1:4", Guid::Player), Guid::RecorderOf(1, 4));
+    for (const char* bad : {"", "1", "player:1", "deck:1:0", "1:0:0", "-1:0"}) {
+        EXPECT_THROW(ParseChannel(bad, Guid::Player), Plexis::Tessel::Cli::CliError) << bad;
+    }
+
+    using Text = Plexis::Data::Clips::AsciiOrUtf16String;
+    EXPECT_EQ(
+        Plexis::Tessel::Cli::TextOf(Text(std::string("\0G\0o\0\xe9\xd8\x3d\xde\x00", 10), true)),
+        "Go\xc3\xa9\xf0\x9f\x98\x80");
+    // A lone surrogate and an odd last byte are shown, not dropped silently.
+    EXPECT_EQ(Plexis::Tessel::Cli::TextOf(Text(std::string("\xd8\x3d\0A\0", 5), true)), "?A?");
+
+    EXPECT_EQ(Plexis::Tessel::Cli::StatusText({0, 0}), "ok");
+    EXPECT_EQ(Plexis::Tessel::Cli::StatusText({1, 10}), "failed (1, 10): in use");
+    EXPECT_EQ(Plexis::Tessel::Cli::StatusText({2, 99}), "failed (2, 99)");
 }
 
 }  // namespace
