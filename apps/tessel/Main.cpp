@@ -160,11 +160,11 @@ struct ClipFilter {
     std::size_t limit = 0;
 
     bool Keeps(const Data::Clips::Clip& clip) const {
-        const bool keyword_ok =
+        const bool keywordMatches =
             keyword.empty() ||
             std::any_of(clip.keywords.begin(), clip.keywords.end(),
                         [&](const auto& word) { return ContainsFolded(TextOf(word), keyword); });
-        return keyword_ok && (name.empty() || ContainsFolded(TextOf(clip.name), name)) &&
+        return keywordMatches && (name.empty() || ContainsFolded(TextOf(clip.name), name)) &&
                clip.umId.compare(0, umId.size(), umId) == 0;
     }
 
@@ -645,7 +645,10 @@ int Main(int argc, const char* const* argv, std::istream& in, std::ostream& out,
     app.add_option("--log-level", context.logLevel, "Library log messages shown on standard error")
         ->capture_default_str()
         ->check(CLI::IsMember(levels));
-    app.add_flag("-j,--json", context.json, "Print JSON, one object per line");
+    app.add_flag(
+        "-j,--json", context.json,
+        "Print JSON, one object per line: each reply message (every part of a listing, then "
+        "the final), or each notification");
 
     std::function<int()> action;
     Subcommands commands(app, context, action);
