@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <condition_variable>
+#include <memory>
 #include <mutex>
 #include <thread>
 
@@ -31,6 +32,35 @@ int Watch(const ConnectionSettings& settings, const std::vector<std::string>& to
     std::mutex mutex;
     std::condition_variable finished;
     bool stop = false;
+    std::size_t printed = 0;
+
+    // The client first: what throws here (a bad endpoint) leaves no thread of ours behind.
+    const Messaging::EndPoint endpoint = settings.NotificationEndPoint();
+    auto client = std::make_unique<Client::NotificationClient>(
+        std::vector<Messaging::EndPoint>{endpoint}, topics);
+    {
+        auto handlersLock = client->LockHandlers();
+        AttachDescriber(*client, [&](const NotificationLine& line) {
+            std::lock_guard<std::mutex> lock(mutex);
+            if (stop) {
+                return;
+            }
+            out << (json ? line.json : FormatLine(line)) << '\n' << std::flush;
+            if (count && ++printed >= *count) {
+                stop = true;
+                finished.notify_all();
+            }
+        });
+    }
+    client->GetSubscription().SetConnectionStateHandler([&](const Messaging::EndPoint& from,
+                                                            Messaging::ConnectionState state) {
+        if (state == Messaging::ConnectionState::Connected ||
+            state == Messaging::ConnectionState::Reconnecting) {
+            std::lock_guard<std::mutex> lock(mutex);
+            err << "tessel: " << from.Address() << ": " << ToString(state) << '\n' << std::flush;
+        }
+    });
+
     std::atomic<bool> signalled{false};
     std::thread signalTaker([&] {
         int signal = 0;
@@ -40,47 +70,20 @@ int Watch(const ConnectionSettings& settings, const std::vector<std::string>& to
         stop = true;
         finished.notify_all();
     });
-
-    {
-        const Messaging::EndPoint endpoint = settings.NotificationEndPoint();
-        Client::NotificationClient client({endpoint}, topics);
-        std::size_t printed = 0;
-        {
-            auto handlersLock = client.LockHandlers();
-            AttachDescriber(client, [&](const NotificationLine& line) {
-                std::lock_guard<std::mutex> lock(mutex);
-                if (stop) {
-                    return;
-                }
-                out << (json ? line.json : FormatLine(line)) << '\n' << std::flush;
-                if (count && ++printed >= *count) {
-                    stop = true;
-                    finished.notify_all();
-                }
-            });
-        }
-        client.GetSubscription().SetConnectionStateHandler(
-            [&](const Messaging::EndPoint& from, Messaging::ConnectionState state) {
-                if (state == Messaging::ConnectionState::Connected ||
-                    state == Messaging::ConnectionState::Reconnecting) {
-                    std::lock_guard<std::mutex> lock(mutex);
-                    err << "tessel: " << from.Address() << ": " << ToString(state) << '\n'
-                        << std::flush;
-                }
-            });
-        std::string topicText;
-        for (const auto& topic : topics) {
-            topicText += (topicText.empty() ? "" : ", ") + topic;
-        }
-        {
-            std::unique_lock<std::mutex> lock(mutex);
-            err << "tessel: watching " << endpoint.Address() << " ("
-                << (topicText.empty() ? "all topics" : topicText) << "); Ctrl-C to stop\n"
-                << std::flush;
-            finished.wait(lock, [&] { return stop; });
-        }
-        client.GetSubscription().SetConnectionStateHandler({});
+    std::string topicText;
+    for (const auto& topic : topics) {
+        topicText += (topicText.empty() ? "" : ", ") + topic;
     }
+    {
+        std::unique_lock<std::mutex> lock(mutex);
+        err << "tessel: watching " << endpoint.Address() << " ("
+            << (topicText.empty() ? "all topics" : topicText) << "); Ctrl-C to stop\n"
+            << std::flush;
+        finished.wait(lock, [&] { return stop; });
+    }
+    client->GetSubscription().SetConnectionStateHandler({});
+    client.reset();
+    // A count ended the watch: wake the signal thread with a signal of its own.
     if (!signalled) {
         pthread_kill(signalTaker.native_handle(), SIGTERM);
     }

@@ -233,6 +233,7 @@ TEST_F(TesselTest, EachFailureHasItsExitCodeAndOneLineOnStandardError) {
         {{"play", "one"}, ExitCode::Usage, "\"one\" is not a channel"},
         {{"play", "1:0", "--speed", "1/0"}, ExitCode::Usage, "is not a speed"},
         {{"frobnicate"}, ExitCode::Usage, "frobnicate"},
+        {{"--notifications", "tcp://nohost", "watch"}, ExitCode::Usage, "bad endpoint"},
         {{"record"}, ExitCode::Usage, "subcommand"},
         {{"ping", "--no-such-option"}, ExitCode::Usage, "--no-such-option"},
         {{"call", "PlayCommand", R"({"players": [)"}, ExitCode::BadInput, "(Syntax)"},
