@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installs what the project needs, builds it and runs it, from a fresh clone on Debian bookworm.
 #
-#   scripts/bootstrap.sh demo   build the default preset and run the demo
+#   scripts/bootstrap.sh demo   build the default preset and run the demo (tessel demo)
 #   scripts/bootstrap.sh test   build the default, asan and tsan presets and run every test in each
 #
 # Only the Debian packages that are missing are installed, after one `apt-get update`; as a
@@ -49,7 +49,7 @@ case "${1:-}" in
     demo)
         install_missing
         build default
-        ./build/default/examples/command_client_example
+        ./build/default/apps/tessel demo
         ;;
     test)
         install_missing

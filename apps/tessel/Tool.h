@@ -1,0 +1,63 @@
+#pragma once
+
+// The command-line tool's entry points, kept in a library so that tests reach them.
+
+#include <cstddef>
+#include <functional>
+#include <istream>
+#include <optional>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/CommandParams.h>
+
+#include "Session.h"
+
+namespace Korvo::Plexis::Tessel::Cli {
+
+/// Runs `tessel` with the command line `argv` (program name first), reading parameters from `in`
+/// when asked to ("-"), writing results to `out` and messages to `err`. Returns the process exit
+/// code (`ExitCode`); never throws.
+int Main(int argc, const char* const* argv, std::istream& in, std::ostream& out, std::ostream& err);
+
+/// How `Execute` shows a reply.
+struct OutputOptions {
+    bool json = false;      ///< one JSON object per reply message instead of tables
+    bool progress = false;  ///< a progress line on `err` while a listing arrives in parts
+    /// Applied to the messages before they are shown (a filter of a listing), when set.
+    std::function<void(Replies&)> filter;
+    /// Shows a successful reply instead of the standard tables, when set (not with `json`).
+    std::function<void(const Replies&, std::ostream&)> readable;
+};
+
+/// Sends one command, shows its reply on `out` and returns it. Throws `CliError`: what
+/// `Session::Call` throws, and Failed (after showing the reply) when the reply reports a failure.
+Replies Execute(Session& session, const std::string& commandName,
+                const HighLevelOperations::Commands::CommandParams& params,
+                const OutputOptions& output, std::ostream& out, std::ostream& err);
+
+/// A fresh command identifier: "tessel-<random process tag>-<count>". Any thread.
+std::string NewCommandId();
+
+/// Parameters of class `P` with a fresh command identifier.
+template <class P>
+P NewParams() {
+    P params;
+    params.commandGuid = Data::Guid(NewCommandId());
+    return params;
+}
+
+/// Prints the notifications that arrive on `settings`' notification endpoint, one line each (JSON
+/// with `json`), until SIGINT or SIGTERM, or until `count` have been printed. Blocks both signals
+/// in the calling thread and the threads it starts; call it before any other thread exists.
+/// Returns 0.
+int Watch(const ConnectionSettings& settings, const std::vector<std::string>& topics, bool json,
+          std::optional<std::size_t> count, std::ostream& out, std::ostream& err);
+
+/// Starts a simulator in this process and walks through a scenario against it, narrating each
+/// step and the notifications it causes. Returns 0 when every step succeeded; throws `CliError`
+/// for the first step that failed.
+int Demo(std::ostream& out, std::ostream& err);
+
+}  // namespace Korvo::Plexis::Tessel::Cli

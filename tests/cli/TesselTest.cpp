@@ -1,0 +1,402 @@
+// The command-line client run as a process against a simulator in the test process: what each
+// subcommand prints and returns, the JSON it writes, its failures, watch and the demo.
+
+#include <signal.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdio>
+#include <fstream>
+#include <map>
+#include <set>
+#include <sstream>
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/GetClipsCommandReply.h>
+#include <Korvo/Plexis/Tessel/Json/CommandParamsJson.h>
+#include <Korvo/Plexis/Tessel/Json/CommandReplyJson.h>
+#include <Korvo/Plexis/Tessel/Json/NotificationJson.h>
+#include <Korvo/Plexis/Tessel/Simulator/Simulator.h>
+
+#include "Errors.h"
+#include "Output.h"
+#include "Session.h"
+#include "Text.h"
+#include "cli/ChildProcess.h"
+
+namespace Korvo::Testing {
+namespace {
+
+using namespace std::chrono_literals;
+using Plexis::Tessel::Cli::ExitCode;
+using Plexis::Tessel::Simulator::Simulator;
+using Plexis::Tessel::Simulator::SimulatorOptions;
+using Json = nlohmann::json;
+
+constexpr auto kPatience = 60s;
+
+int Code(ExitCode code) {
+    return static_cast<int>(code);
+}
+
+std::vector<std::string> Lines(const std::string& text) {
+    std::vector<std::string> lines;
+    std::istringstream stream(text);
+    for (std::string line; std::getline(stream, line);) {
+        lines.push_back(line);
+    }
+    return lines;
+}
+
+class TesselTest : public ::testing::Test {
+protected:
+    static SimulatorOptions Options() {
+        SimulatorOptions options;
+        options.partSize = 7;  // the 50 seeded clips come in 8 messages
+        return options;
+    }
+
+    std::vector<std::string> CommandLine(const std::vector<std::string>& arguments) const {
+        std::vector<std::string> line{TESSEL_BINARY,
+                                      "--commands",
+                                      simulator.CommandEndpoint(),
+                                      "--notifications",
+                                      simulator.NotificationEndpoint(),
+                                      "--timeout",
+                                      "30"};
+        line.insert(line.end(), arguments.begin(), arguments.end());
+        return line;
+    }
+
+    RunResult Tessel(const std::vector<std::string>& arguments, const std::string& input = "") {
+        return RunProcess(CommandLine(arguments), kPatience, input);
+    }
+
+    // The reply lines of a --json run, parsed.
+    std::vector<Json> JsonReplies(const std::vector<std::string>& arguments) {
+        auto arguments_json = arguments;
+        arguments_json.push_back("--json");
+        const auto result = Tessel(arguments_json);
+        EXPECT_EQ(result.exitCode, 0) << result.err;
+        std::vector<Json> replies;
+        for (const auto& line : Lines(result.out)) {
+            replies.push_back(Json::parse(line));
+        }
+        return replies;
+    }
+
+    Json PlayerState(const std::string& player) {
+        const auto replies = JsonReplies({"channels"});
+        return replies.empty() ? Json() : replies.back().at("playerStates").at(player);
+    }
+
+    Simulator simulator{Options()};
+};
+
+TEST_F(TesselTest, ListingsShowTheServersContent) {
+    auto result = Tessel({"servers"});
+    EXPECT_EQ(result.exitCode, 0) << result.err;
+    EXPECT_NE(result.out.find("replay-1"), std::string::npos) << result.out;
+    EXPECT_NE(result.out.find("replay-2"), std::string::npos) << result.out;
+
+    result = Tessel({"channels", "--server", "2"});
+    EXPECT_EQ(result.exitCode, 0) << result.err;
+    EXPECT_NE(result.out.find("player:2:3"), std::string::npos) << result.out;
+    EXPECT_NE(result.out.find("recorder:2:5"), std::string::npos) << result.out;
+    EXPECT_EQ(result.out.find("player:1:0"), std::string::npos) << result.out;
+
+    // The clips come in parts; the filter sees all of them and keeps one.
+    result = Tessel({"clips", "--name", "clip 00049"});
+    EXPECT_EQ(result.exitCode, 0) << result.err;
+    ASSERT_EQ(Lines(result.out).size(), 2u) << result.out;  // the header and one clip
+    EXPECT_NE(result.out.find("Clip 00049"), std::string::npos);
+    EXPECT_EQ(result.err, "");  // standard error is no terminal: no progress line
+
+    result = Tessel({"trains"});
+    EXPECT_EQ(result.exitCode, 0) << result.err;
+    EXPECT_EQ(Lines(result.out).size(), 5u) << result.out;  // two recorders on each server
+
+    result = Tessel({"playlists"});
+    EXPECT_EQ(result.exitCode, 0) << result.err;
+    EXPECT_NE(result.out.find("Playlist 3"), std::string::npos) << result.out;
+
+    result = Tessel({"ping"});
+    EXPECT_EQ(result.exitCode, 0) << result.err;
+    EXPECT_EQ(result.out.rfind("pong from " + simulator.CommandEndpoint(), 0), 0u) << result.out;
+}
+
+TEST_F(TesselTest, CallPrintsEachPartOfAListingAsOneJsonLine) {
+    const auto replies = JsonReplies({"call", "GetClipsCommand"});
+    ASSERT_EQ(replies.size(), 8u);
+    std::size_t clips = 0;
+    for (const auto& reply : replies) {
+        EXPECT_EQ(reply.at("type"), "GetClipsCommandReply");
+        clips += reply.at("clips").size();
+        // Each line is a reply of the library's JSON form.
+        EXPECT_NO_THROW(Plexis::Tessel::Json::CommandReplyFromJson(reply.dump()));
+    }
+    EXPECT_EQ(clips, 50u);
+
+    // A filter applies across the parts, and --limit counts over all of them.
+    std::size_t kept = 0;
+    for (const auto& reply : JsonReplies({"clips", "--limit", "9"})) {
+        kept += reply.at("clips").size();
+    }
+    EXPECT_EQ(kept, 9u);
+}
+
+TEST_F(TesselTest, CallTakesParametersInlineFromAFileAndFromStandardInput) {
+    auto result = Tessel({"call", "GetServersCommand", "{\"serverRange\": 0}", "--json"});
+    EXPECT_EQ(result.exitCode, 0) << result.err;
+    EXPECT_EQ(Json::parse(result.out).at("servers").size(), 2u);
+
+    const std::string path =
+        ::testing::TempDir() + "tessel-params-" + std::to_string(::getpid()) + ".json";
+    std::ofstream(path) << R"({"players": ["player:1:0"], "setBlackScreen": true})";
+    result = Tessel({"call", "GoIdleCommand", "@" + path});
+    std::remove(path.c_str());
+    EXPECT_EQ(result.exitCode, 0) << result.err;
+    EXPECT_NE(result.out.find("player:1:0  ok"), std::string::npos) << result.out;
+
+    result = Tessel({"call", "StartRecordingCommand", "-", "--json"},
+                    R"({"recorders": ["recorder:2:4"]})");
+    EXPECT_EQ(result.exitCode, 0) << result.err;
+    const auto reply = Json::parse(result.out);
+    EXPECT_EQ(reply.at("type"), "ChannelCommandReply");
+    EXPECT_EQ(Tessel({"record", "stop", "2:4"}).exitCode, 0);
+}
+
+TEST_F(TesselTest, PlayerCommandsDriveAPlayer) {
+    const auto listing = JsonReplies({"clips", "--limit", "1"});
+    ASSERT_FALSE(listing.empty());
+    const std::string clip = listing.front().at("clips").at(0).at("umId");
+
+    auto result = Tessel({"load", "1:0", clip});
+    ASSERT_EQ(result.exitCode, 0) << result.err;
+    EXPECT_EQ(PlayerState("player:1:0").at("playMode"), 1);  // cued
+
+    ASSERT_EQ(Tessel({"play", "player:1:0", "--speed", "1/2"}).exitCode, 0);
+    auto state = PlayerState("player:1:0");
+    EXPECT_EQ(state.at("playMode"), 2);
+    EXPECT_EQ(state.at("infoOnAir").at("speedNumerator"), 1);
+    EXPECT_EQ(state.at("infoOnAir").at("speedDenominator"), 2);
+
+    ASSERT_EQ(Tessel({"pause", "1:0"}).exitCode, 0);
+    EXPECT_EQ(PlayerState("player:1:0").at("infoOnAir").at("speedNumerator"), 0);
+
+    const std::int64_t before = PlayerState("player:1:0").at("currentTimepoint");
+    ASSERT_EQ(Tessel({"step", "1:0", "--fields", "10"}).exitCode, 0);
+    ASSERT_EQ(Tessel({"step", "1:0", "--fields=-4"}).exitCode, 0);
+    EXPECT_EQ(PlayerState("player:1:0").at("currentTimepoint").get<std::int64_t>(), before + 6);
+
+    result = Tessel({"idle", "1:0"});
+    EXPECT_EQ(result.exitCode, 0) << result.err;
+    EXPECT_EQ(PlayerState("player:1:0").at("playMode"), 0);
+}
+
+TEST_F(TesselTest, RecordingMakesAClipAndMultiviewerDataIsReadBack) {
+    const auto clips = simulator.ClipCount();
+    ASSERT_EQ(Tessel({"record", "start", "1:4"}).exitCode, 0);
+    const auto again = Tessel({"record", "start", "recorder:1:4"});
+    EXPECT_EQ(again.exitCode, Code(ExitCode::Failed));
+    EXPECT_NE(again.out.find("recorder:1:4  failed (1, 5): already recording"), std::string::npos)
+        << again.out;
+    ASSERT_EQ(Tessel({"record", "stop", "1:4"}).exitCode, 0);
+    EXPECT_EQ(simulator.ClipCount(), clips + 1);
+
+    ASSERT_EQ(Tessel({"multiviewer", "set", "1:1", "--message", "Replay one", "--post-roll", "yes"})
+                  .exitCode,
+              0);
+    const auto result = Tessel({"multiviewer", "get"});
+    EXPECT_EQ(result.exitCode, 0) << result.err;
+    // Only what was given is set: the message and post-roll columns, nothing else.
+    EXPECT_NE(result.out.find("\nplayer:1:1  \"Replay one\"  -        -        yes        -"),
+              std::string::npos)
+        << result.out;
+}
+
+TEST_F(TesselTest, EachFailureHasItsExitCodeAndOneLineOnStandardError) {
+    struct Case {
+        std::vector<std::string> arguments;
+        ExitCode code;
+        std::string message;
+    };
+    const std::string nowhere =
+        "ipc://" + ::testing::TempDir() + "tessel-nobody-" + std::to_string(::getpid());
+    const Case cases[] = {
+        {{"play", "1:2"}, ExitCode::Failed, "player:1:2: failed (1, 3): nothing loaded"},
+        {{"call", "DeleteClipsCommand", R"({"clips": ["nothing"]})"},
+         ExitCode::Failed,
+         "no such clip"},
+        {{"play", "one"}, ExitCode::Usage, "\"one\" is not a channel"},
+        {{"play", "1:0", "--speed", "1/0"}, ExitCode::Usage, "is not a speed"},
+        {{"frobnicate"}, ExitCode::Usage, "frobnicate"},
+        {{"--notifications", "tcp://nohost", "watch"}, ExitCode::Usage, "bad endpoint"},
+        {{"record"}, ExitCode::Usage, "subcommand"},
+        {{"ping", "--no-such-option"}, ExitCode::Usage, "--no-such-option"},
+        {{"call", "PlayCommand", R"({"players": [)"}, ExitCode::BadInput, "(Syntax)"},
+        {{"call", "PlayCommand", R"({"players": [], "bogus": 1})"},
+         ExitCode::BadInput,
+         "(UnknownField): bogus"},
+        {{"call", "PlayCommand", R"({"players": ["deck:1"]})"}, ExitCode::BadInput, "(BadChannel)"},
+        {{"call", "PlayCommand", "{}"}, ExitCode::BadInput, "(MissingField): players"},
+        {{"call", "PlayFasterCommand"}, ExitCode::BadInput, "(UnknownName)"},
+        {{"call", "PingCommand", "@/no/such/file"}, ExitCode::BadInput, "cannot read"},
+        {{"--commands", nowhere, "--timeout", "0.3", "ping"},
+         ExitCode::NoServer,
+         "no server at " + nowhere},
+    };
+    for (const auto& test : cases) {
+        const auto result = Tessel(test.arguments);
+        SCOPED_TRACE(test.arguments.front() + " " + test.arguments.back());
+        EXPECT_EQ(result.exitCode, Code(test.code)) << result.err;
+        EXPECT_EQ(Lines(result.err).size(), 1u) << result.err;
+        EXPECT_NE(result.err.find(test.message), std::string::npos) << result.err;
+    }
+
+    // A server that reads commands and never answers: the link is up, the reply never comes.
+    Plexis::Tessel::Simulator::Faults silent;
+    silent.silent = true;
+    simulator.SetFaults(silent);
+    const auto result = Tessel({"--timeout", "0.3", "ping"});
+    EXPECT_EQ(result.exitCode, Code(ExitCode::TimedOut)) << result.err;
+    EXPECT_EQ(result.err, "tessel: no reply to PingCommand within 0.3 s\n");
+}
+
+TEST_F(TesselTest, WatchPrintsNotificationsUntilInterrupted) {
+    ChildProcess watch(CommandLine({"watch", "--json", "ChannelStatus"}));
+    ASSERT_TRUE(simulator.WaitForSubscriber("ChannelStatus", kPatience));
+    ASSERT_EQ(Tessel({"record", "start", "1:5"}).exitCode, 0);
+    const auto line = watch.ReadLineUntil(
+        [](const std::string& text) {
+            return text.find("\"RecorderStateChanged\"") != std::string::npos;
+        },
+        kPatience);
+    ASSERT_TRUE(line.has_value()) << watch.Out() << watch.Err();
+    const auto decoded = Plexis::Tessel::Json::NotificationFromJson(*line);
+    EXPECT_EQ(decoded.typeName, "RecorderStateChanged");
+    EXPECT_EQ(Json::parse(*line).at("channelGuid"), "recorder:1:5");
+    watch.Signal(SIGINT);
+    EXPECT_EQ(watch.Wait(kPatience), 0) << watch.Err();
+
+    // The readable form, ended by a count instead of a signal.
+    ChildProcess counted(CommandLine({"watch", "--count", "1", "ClipCommand"}));
+    ASSERT_TRUE(simulator.WaitForSubscriber("ClipCommand", kPatience));
+    ASSERT_EQ(Tessel({"record", "stop", "1:5"}).exitCode, 0);
+    EXPECT_EQ(counted.Wait(kPatience), 0) << counted.Err();
+    const auto lines = Lines(counted.Out());
+    ASSERT_EQ(lines.size(), 1u) << counted.Out();
+    EXPECT_NE(lines[0].find("ClipCreationStarted"), std::string::npos) << lines[0];
+    EXPECT_NE(lines[0].find("server 1"), std::string::npos) << lines[0];
+}
+
+TEST_F(TesselTest, DemoRunsToTheEnd) {
+    const auto result = RunProcess({TESSEL_BINARY, "demo"}, kPatience);
+    EXPECT_EQ(result.exitCode, 0) << result.out << result.err;
+    EXPECT_NE(result.out.find("Demo finished"), std::string::npos) << result.out;
+    EXPECT_NE(result.out.find("notification  ClipCreationFinished"), std::string::npos)
+        << result.out;
+}
+
+// In-process: every command name reaches the server through its family's builders and comes
+// back as a reply the tool can show.
+TEST_F(TesselTest, EveryCommandIsRoutedToTheServer) {
+    const std::map<std::string, std::string> minimal = {
+        {"PlayCommand", R"({"players": []})"},
+        {"LiveCommand", R"({"players": {}})"},
+        {"ChainCommand", R"({"players": {}})"},
+        {"DialCommand", R"({"players": []})"},
+        {"StepCommand", R"({"players": []})"},
+        {"SyncCommand", R"({"sourcePlayer": "player:1:0", "players": []})"},
+        {"LoadClipsCommand", R"({"playersParameters": {}})"},
+        {"LoadSequencesCommand", R"({"playersParameters": {}})"},
+        {"SetLoadBoundariesCommand", R"({"playersParameters": {}})"},
+        {"GoIdleCommand", R"({"players": []})"},
+        {"StartRecordingCommand", R"({"recorders": []})"},
+        {"StopRecordingCommand", R"({"recorders": []})"},
+        {"SetMultiviewerDataCommand", R"({"playersDataOverrides": {}})"},
+        {"DeleteClipsCommand", R"({"clips": []})"},
+        {"CreateClipsCommand", R"({"clips": []})"},
+        {"UpdateClipsCommand", R"({"clips": []})"},
+        {"DeleteAnglesGroupCommand", R"({"groupGuid": "none"})"},
+        {"UpdateAnglesGroupCommand", R"({"groupGuid": "none"})"},
+        {"CreateAnglesGroupCommand", R"({"creationParams": {"clips": []}})"},
+        {"CreatePlaylistsCommand", R"({"playlists": []})"},
+        {"DeletePlaylistsCommand", R"({"playlists": []})"},
+        {"UpdatePlaylistsCommand", R"({"params": []})"},
+    };
+    Plexis::Tessel::Cli::ConnectionSettings settings;
+    settings.commandEndpoint = simulator.CommandEndpoint();
+    settings.timeout = kPatience;
+    Plexis::Tessel::Cli::Session session(settings);
+    std::set<std::string> families;
+    const auto names = Plexis::Tessel::Json::CommandNames();
+    ASSERT_EQ(names.size(), 30u);
+    for (const auto& name : names) {
+        SCOPED_TRACE(name);
+        const auto found = minimal.find(name);
+        const auto params = Plexis::Tessel::Json::CommandParamsFromJson(
+            name, found == minimal.end() ? "{}" : found->second);
+        families.insert(Plexis::Tessel::Cli::FamilyOf(name, *params).name);
+        const auto replies = session.Call(name, *params);
+        ASSERT_FALSE(replies.empty());
+        EXPECT_NE(Plexis::Tessel::Json::ReplyTypeNameOf(*replies.back()), "UnknownCommand");
+        std::ostringstream shown;
+        Plexis::Tessel::Cli::PrintReadable(replies, shown);
+        EXPECT_FALSE(shown.str().empty());
+    }
+    EXPECT_EQ(families, (std::set<std::string>{"channel", "data"}));
+}
+
+TEST(TesselProgressTest, ShowsPartsOnlyWhenEnabledAndErasesTheLine) {
+    namespace Commands = Plexis::Tessel::HighLevelOperations::Commands;
+    Commands::GetClipsCommandReply part;
+    part.clips.resize(3);
+    Commands::GetClipsCommandReply last;
+    last.clips.resize(1);
+
+    std::ostringstream shown;
+    {
+        Plexis::Tessel::Cli::Progress progress(shown, true);
+        progress.Add(part, false);
+        progress.Add(part, false);
+        progress.Add(last, true);
+    }
+    EXPECT_EQ(shown.str(),
+              "\rreceiving clips: 1 part, 3 items\x1b[K\rreceiving clips: 2 parts, 6 items\x1b[K"
+              "\rreceiving clips: 3 parts, 7 items\x1b[K\r\x1b[K");
+
+    std::ostringstream single;
+    Plexis::Tessel::Cli::Progress(single, true).Add(last, true);
+    std::ostringstream disabled;
+    Plexis::Tessel::Cli::Progress(disabled, false).Add(part, false);
+    EXPECT_EQ(single.str(), "");
+    EXPECT_EQ(disabled.str(), "");
+}
+
+TEST(TesselTextTest, ChannelsTextsAndStatusesReadAsAPersonWrites) {
+    using Plexis::Data::Channels::Guid;
+    using Plexis::Tessel::Cli::ParseChannel;
+    EXPECT_EQ(ParseChannel("1:0", Guid::Player), Guid::PlayerOf(1, 0));
+    EXPECT_EQ(ParseChannel("2:5", Guid::Recorder), Guid::RecorderOf(2, 5));
+    EXPECT_EQ(ParseChannel("recorder:1:4", Guid::Player), Guid::RecorderOf(1, 4));
+    for (const char* bad : {"", "1", "player:1", "deck:1:0", "1:0:0", "-1:0"}) {
+        EXPECT_THROW(ParseChannel(bad, Guid::Player), Plexis::Tessel::Cli::CliError) << bad;
+    }
+
+    using Text = Plexis::Data::Clips::AsciiOrUtf16String;
+    EXPECT_EQ(
+        Plexis::Tessel::Cli::TextOf(Text(std::string("\0G\0o\0\xe9\xd8\x3d\xde\x00", 10), true)),
+        "Go\xc3\xa9\xf0\x9f\x98\x80");
+    // A lone surrogate and an odd last byte are shown, not dropped silently.
+    EXPECT_EQ(Plexis::Tessel::Cli::TextOf(Text(std::string("\xd8\x3d\0A\0", 5), true)), "?A?");
+
+    EXPECT_EQ(Plexis::Tessel::Cli::StatusText({0, 0}), "ok");
+    EXPECT_EQ(Plexis::Tessel::Cli::StatusText({1, 10}), "failed (1, 10): in use");
+    EXPECT_EQ(Plexis::Tessel::Cli::StatusText({2, 99}), "failed (2, 99)");
+}
+
+}  // namespace
+}  // namespace Korvo::Testing
