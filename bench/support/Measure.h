@@ -1,0 +1,67 @@
+#pragma once
+
+// Small measuring helpers shared by the benchmark programs.
+
+#include <algorithm>
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <vector>
+
+#include <benchmark/benchmark.h>
+
+#include "support/AllocationCounter.h"
+
+namespace Korvo::Bench {
+
+using Clock = std::chrono::steady_clock;
+
+/// Collects the duration of each iteration and reports their median and 99th percentile, in
+/// microseconds, as the counters "p50_us" and "p99_us".
+class Latencies {
+public:
+    void Add(Clock::duration elapsed) {
+        samples.push_back(std::chrono::duration<double, std::micro>(elapsed).count());
+    }
+
+    void Report(benchmark::State& state) {
+        if (samples.empty()) {
+            return;
+        }
+        state.counters["p50_us"] = Percentile(0.50);
+        state.counters["p99_us"] = Percentile(0.99);
+    }
+
+private:
+    double Percentile(double fraction) {
+        const auto index = static_cast<std::size_t>(fraction * static_cast<double>(samples.size() - 1));
+        std::nth_element(samples.begin(), samples.begin() + static_cast<long>(index), samples.end());
+        return samples[index];
+    }
+
+    std::vector<double> samples;
+};
+
+/// Reports the allocations made since construction, per iteration, as "allocs_per_record".
+class AllocationMeter {
+public:
+    AllocationMeter() : start(Allocations()) {}
+
+    void Report(benchmark::State& state) const {
+        state.counters["allocs_per_record"] = benchmark::Counter(
+            static_cast<double>(Allocations() - start), benchmark::Counter::kAvgIterations);
+    }
+
+private:
+    std::uint64_t start;
+};
+
+/// CPU time consumed so far by every thread of the process, in seconds.
+double ProcessCpuSeconds();
+
+/// Calls `condition` every millisecond until it holds; false when it still does not after
+/// `limit`.
+bool WaitUntil(const std::function<bool()>& condition,
+               std::chrono::milliseconds limit = std::chrono::seconds(10));
+
+}  // namespace Korvo::Bench
