@@ -49,6 +49,7 @@ void RoundTripLibrary(benchmark::State& state, bool inproc) {
         return;
     }
     Latencies latencies;
+    const CostMeter cost;
     for (auto _ : state) {
         const Clock::time_point start = Clock::now();
         if (!PingThrough(*client)) {
@@ -58,6 +59,7 @@ void RoundTripLibrary(benchmark::State& state, bool inproc) {
         latencies.Add(Clock::now() - start);
     }
     latencies.Report(state);
+    cost.Report(state, static_cast<double>(state.iterations()));
 }
 
 void RoundTripZmq(benchmark::State& state, bool inproc) {
@@ -68,6 +70,7 @@ void RoundTripZmq(benchmark::State& state, bool inproc) {
         return;
     }
     Latencies latencies;
+    const CostMeter cost;
     for (auto _ : state) {
         const Clock::time_point start = Clock::now();
         if (!dealer.RoundTrip()) {
@@ -77,6 +80,7 @@ void RoundTripZmq(benchmark::State& state, bool inproc) {
         latencies.Add(Clock::now() - start);
     }
     latencies.Report(state);
+    cost.Report(state, static_cast<double>(state.iterations()));
 }
 
 // Pings sent now and then, as an operator sends commands: before each one the link stays quiet
@@ -131,6 +135,7 @@ void PipelinedLibrary(benchmark::State& state, bool inproc, int threads) {
         state.SkipWithError("no answer from the responder");
         return;
     }
+    const CostMeter cost;
     for (auto _ : state) {
         std::atomic<int> left{kBatch};
         std::atomic<bool> go{false};
@@ -160,6 +165,7 @@ void PipelinedLibrary(benchmark::State& state, bool inproc, int threads) {
         }
     }
     state.SetItemsProcessed(state.iterations() * kBatch);
+    cost.Report(state, static_cast<double>(state.iterations() * kBatch));
 }
 
 // One thread keeps `window` pings in flight on one DEALER: it sends a new one per reply.
@@ -170,6 +176,7 @@ void PipelinedZmq(benchmark::State& state, bool inproc, int window) {
         state.SkipWithError("no answer from the responder");
         return;
     }
+    const CostMeter cost;
     for (auto _ : state) {
         const Clock::time_point start = Clock::now();
         int sent = 0;
@@ -189,6 +196,7 @@ void PipelinedZmq(benchmark::State& state, bool inproc, int window) {
         state.SetIterationTime(std::chrono::duration<double>(Clock::now() - start).count());
     }
     state.SetItemsProcessed(state.iterations() * kBatch);
+    cost.Report(state, static_cast<double>(state.iterations() * kBatch));
 }
 
 const bool registered = [] {

@@ -92,6 +92,7 @@ void DispatchLibrary(benchmark::State& state) {
         return;
     }
     std::size_t expected = 0;
+    const CostMeter cost;
     for (auto _ : state) {
         const Clock::time_point start = Clock::now();
         publisher.StartBatch(kBatch);
@@ -101,6 +102,7 @@ void DispatchLibrary(benchmark::State& state) {
         publisher.FinishBatch();
     }
     state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(kBatch));
+    cost.Report(state, static_cast<double>(state.iterations()) * static_cast<double>(kBatch));
     benchmark::DoNotOptimize(checksum);
 }
 
@@ -118,6 +120,7 @@ void DispatchZmq(benchmark::State& state) {
     }
     std::int64_t checksum = 0;
     std::array<zmq::message_t, 3> frames;
+    const CostMeter cost;
     for (auto _ : state) {
         const Clock::time_point start = Clock::now();
         publisher.StartBatch(kBatch);
@@ -135,6 +138,7 @@ void DispatchZmq(benchmark::State& state) {
         publisher.FinishBatch();
     }
     state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(kBatch));
+    cost.Report(state, static_cast<double>(state.iterations()) * static_cast<double>(kBatch));
     benchmark::DoNotOptimize(checksum);
 }
 

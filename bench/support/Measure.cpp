@@ -1,5 +1,6 @@
 #include "support/Measure.h"
 
+#include <sys/resource.h>
 #include <time.h>
 
 #include <thread>
@@ -10,6 +11,12 @@ double ProcessCpuSeconds() {
     timespec now{};
     clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
     return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
+}
+
+double ProcessContextSwitches() {
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return static_cast<double>(usage.ru_nvcsw) + static_cast<double>(usage.ru_nivcsw);
 }
 
 bool WaitUntil(const std::function<bool()>& condition, std::chrono::milliseconds limit) {

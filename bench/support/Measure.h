@@ -59,6 +59,33 @@ private:
 /// CPU time consumed so far by every thread of the process, in seconds.
 double ProcessCpuSeconds();
 
+/// Context switches of every thread of the process so far, voluntary and not.
+double ProcessContextSwitches();
+
+/// What the whole process spent per item (a round trip, a request, a notification) since
+/// construction: "cpu_us_per_item", "switches_per_item" and "allocs_per_item". Every thread
+/// counts, the peer's as well, which both sides of a comparison have alike.
+class CostMeter {
+public:
+    CostMeter()
+        : allocations(Allocations()), cpu(ProcessCpuSeconds()), switches(ProcessContextSwitches()) {}
+
+    void Report(benchmark::State& state, double items) const {
+        if (items <= 0) {
+            return;
+        }
+        state.counters["cpu_us_per_item"] = (ProcessCpuSeconds() - cpu) * 1e6 / items;
+        state.counters["switches_per_item"] = (ProcessContextSwitches() - switches) / items;
+        state.counters["allocs_per_item"] =
+            static_cast<double>(Allocations() - allocations) / items;
+    }
+
+private:
+    std::uint64_t allocations;
+    double cpu;
+    double switches;
+};
+
 /// Calls `condition` every millisecond until it holds; false when it still does not after
 /// `limit`.
 bool WaitUntil(const std::function<bool()>& condition,
