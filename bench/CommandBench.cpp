@@ -199,6 +199,52 @@ void PipelinedZmq(benchmark::State& state, bool inproc, int window) {
     cost.Report(state, static_cast<double>(state.iterations() * kBatch));
 }
 
+// `threads` application threads, each with a DEALER of its own (a socket serves one thread),
+// sending pings back to back: the bare form of the library's threading, which pays the same
+// wake-up of a sleeping thread per reply.
+void PipelinedZmqThreads(benchmark::State& state, bool inproc, int threads) {
+    Server server(inproc);
+    std::vector<std::unique_ptr<BareDealer>> dealers;
+    for (int i = 0; i < threads; ++i) {
+        dealers.push_back(std::make_unique<BareDealer>(server.ClientContext(), server.Address()));
+        if (!dealers.back()->RoundTrip()) {
+            state.SkipWithError("no answer from the responder");
+            return;
+        }
+    }
+    const CostMeter cost;
+    for (auto _ : state) {
+        std::atomic<int> left{kBatch};
+        std::atomic<bool> go{false};
+        std::atomic<bool> failed{false};
+        std::vector<std::thread> workers;
+        for (int i = 0; i < threads; ++i) {
+            workers.emplace_back([&, dealer = dealers[static_cast<std::size_t>(i)].get()] {
+                while (!go.load()) {
+                    std::this_thread::yield();
+                }
+                while (left.fetch_sub(1) > 0) {
+                    if (!dealer->RoundTrip()) {
+                        failed.store(true);
+                    }
+                }
+            });
+        }
+        const Clock::time_point start = Clock::now();
+        go.store(true);
+        for (std::thread& worker : workers) {
+            worker.join();
+        }
+        state.SetIterationTime(std::chrono::duration<double>(Clock::now() - start).count());
+        if (failed.load()) {
+            state.SkipWithError("a ping failed");
+            return;
+        }
+    }
+    state.SetItemsProcessed(state.iterations() * kBatch);
+    cost.Report(state, static_cast<double>(state.iterations() * kBatch));
+}
+
 const bool registered = [] {
     benchmark::RegisterBenchmark("RoundTripSparse/tcp/Library", SparseLibrary)
         ->Iterations(kSparsePings)
@@ -221,6 +267,9 @@ const bool registered = [] {
                                          inFlight)
                 ->UseManualTime();
             benchmark::RegisterBenchmark((name + "Zmq").c_str(), PipelinedZmq, inproc, inFlight)
+                ->UseManualTime();
+            benchmark::RegisterBenchmark((name + "ZmqThreads").c_str(), PipelinedZmqThreads,
+                                         inproc, inFlight)
                 ->UseManualTime();
         }
     }

@@ -96,6 +96,9 @@ for key in sorted((k for k in results if k.startswith("Pipelined/")), key=inflig
     r = ratio(lib, zmq)
     row(f"{key} in flight, requests/s: library / ZeroMQ", lib, zmq, r, ">= 0.70",
         r is not None and r >= 0.7, digits=0)
+    threads = value(key, "ZmqThreads", "items_per_second")
+    row(f"{key} in flight, requests/s: library / ZeroMQ with a socket per thread", lib, threads,
+        ratio(lib, threads), digits=0)
 
 for key in sorted(k for k in results if k.startswith("Notify/")):
     lib, zmq = value(key, "Library", "items_per_second"), value(key, "Zmq", "items_per_second")
