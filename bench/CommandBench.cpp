@@ -3,6 +3,7 @@
 // percentile) and pipelined throughput with 1, 8 and 32 requests in flight.
 
 #include <atomic>
+#include <functional>
 #include <memory>
 #include <string>
 #include <thread>
@@ -41,62 +42,24 @@ private:
     PingResponder responder;
 };
 
-void RoundTripLibrary(benchmark::State& state, bool inproc) {
-    Server server(inproc);
-    auto client = ConnectedClient(server.Address());
-    if (!client || !PingThrough(*client)) {
-        state.SkipWithError("no answer from the responder");
-        return;
-    }
-    Latencies latencies;
-    const CostMeter cost;
-    for (auto _ : state) {
-        const Clock::time_point start = Clock::now();
-        if (!PingThrough(*client)) {
-            state.SkipWithError("a ping failed");
-            return;
-        }
-        latencies.Add(Clock::now() - start);
-    }
-    latencies.Report(state);
-    cost.Report(state, static_cast<double>(state.iterations()));
-}
-
-void RoundTripZmq(benchmark::State& state, bool inproc) {
-    Server server(inproc);
-    BareDealer dealer(server.ClientContext(), server.Address());
-    if (!dealer.RoundTrip()) {
-        state.SkipWithError("no answer from the responder");
-        return;
-    }
-    Latencies latencies;
-    const CostMeter cost;
-    for (auto _ : state) {
-        const Clock::time_point start = Clock::now();
-        if (!dealer.RoundTrip()) {
-            state.SkipWithError("a ping failed");
-            return;
-        }
-        latencies.Add(Clock::now() - start);
-    }
-    latencies.Report(state);
-    cost.Report(state, static_cast<double>(state.iterations()));
-}
-
 // Pings sent now and then, as an operator sends commands: before each one the link stays quiet
 // for between 0 and 220 ms (the same pseudo-random sequence for both sides), outside the timing:
 // long enough for the client to fall idle, which a command must not wait for.
 constexpr int kSparsePings = 40;
 
+// Times each call of `roundTrip`, back to back or, when `sparse`, after a quiet pause.
 template <class RoundTrip>
-void Sparse(benchmark::State& state, RoundTrip&& roundTrip) {
+void TimeRoundTrips(benchmark::State& state, bool sparse, RoundTrip&& roundTrip) {
     Latencies latencies;
+    const CostMeter cost;
     unsigned seed = 12345;
     for (auto _ : state) {
-        seed = seed * 1103515245u + 12345u;
-        state.PauseTiming();
-        std::this_thread::sleep_for(std::chrono::milliseconds((seed >> 16) % 220));
-        state.ResumeTiming();
+        if (sparse) {
+            seed = seed * 1103515245u + 12345u;
+            state.PauseTiming();
+            std::this_thread::sleep_for(std::chrono::milliseconds((seed >> 16) % 220));
+            state.ResumeTiming();
+        }
         const Clock::time_point start = Clock::now();
         if (!roundTrip()) {
             state.SkipWithError("a ping failed");
@@ -105,37 +68,33 @@ void Sparse(benchmark::State& state, RoundTrip&& roundTrip) {
         latencies.Add(Clock::now() - start);
     }
     latencies.Report(state);
+    cost.Report(state, static_cast<double>(state.iterations()));
 }
 
-void SparseLibrary(benchmark::State& state) {
-    Server server(false);
-    auto client = ConnectedClient(server.Address());
-    if (!client || !PingThrough(*client)) {
-        state.SkipWithError("no answer from the responder");
-        return;
-    }
-    Sparse(state, [&] { return PingThrough(*client); });
-}
-
-void SparseZmq(benchmark::State& state) {
-    Server server(false);
-    BareDealer dealer(server.ClientContext(), server.Address());
-    if (!dealer.RoundTrip()) {
-        state.SkipWithError("no answer from the responder");
-        return;
-    }
-    Sparse(state, [&] { return dealer.RoundTrip(); });
-}
-
-// `threads` application threads share one client and send pings back to back until the batch is
-// used up, so that `threads` requests are in flight.
-void PipelinedLibrary(benchmark::State& state, bool inproc, int threads) {
+void RoundTripLibrary(benchmark::State& state, bool inproc, bool sparse) {
     Server server(inproc);
     auto client = ConnectedClient(server.Address());
     if (!client || !PingThrough(*client)) {
         state.SkipWithError("no answer from the responder");
         return;
     }
+    TimeRoundTrips(state, sparse, [&] { return PingThrough(*client); });
+}
+
+void RoundTripZmq(benchmark::State& state, bool inproc, bool sparse) {
+    Server server(inproc);
+    BareDealer dealer(server.ClientContext(), server.Address());
+    if (!dealer.RoundTrip()) {
+        state.SkipWithError("no answer from the responder");
+        return;
+    }
+    TimeRoundTrips(state, sparse, [&] { return dealer.RoundTrip(); });
+}
+
+// Runs batches of pings from `threads` application threads at once, each sending back to back
+// with `ping(thread)` until the batch is used up, so that `threads` requests are in flight; times
+// each batch.
+void TimeThreads(benchmark::State& state, int threads, const std::function<bool(int)>& ping) {
     const CostMeter cost;
     for (auto _ : state) {
         std::atomic<int> left{kBatch};
@@ -143,12 +102,12 @@ void PipelinedLibrary(benchmark::State& state, bool inproc, int threads) {
         std::atomic<bool> failed{false};
         std::vector<std::thread> workers;
         for (int i = 0; i < threads; ++i) {
-            workers.emplace_back([&] {
+            workers.emplace_back([&, i] {
                 while (!go.load()) {
                     std::this_thread::yield();
                 }
                 while (left.fetch_sub(1) > 0) {
-                    if (!PingThrough(*client)) {
+                    if (!ping(i)) {
                         failed.store(true);
                     }
                 }
@@ -167,6 +126,17 @@ void PipelinedLibrary(benchmark::State& state, bool inproc, int threads) {
     }
     state.SetItemsProcessed(state.iterations() * kBatch);
     cost.Report(state, static_cast<double>(state.iterations() * kBatch));
+}
+
+// The application threads share one client.
+void PipelinedLibrary(benchmark::State& state, bool inproc, int threads) {
+    Server server(inproc);
+    auto client = ConnectedClient(server.Address());
+    if (!client || !PingThrough(*client)) {
+        state.SkipWithError("no answer from the responder");
+        return;
+    }
+    TimeThreads(state, threads, [&](int) { return PingThrough(*client); });
 }
 
 // One thread keeps `window` pings in flight on one DEALER: it sends a new one per reply.
@@ -200,9 +170,8 @@ void PipelinedZmq(benchmark::State& state, bool inproc, int window) {
     cost.Report(state, static_cast<double>(state.iterations() * kBatch));
 }
 
-// `threads` application threads, each with a DEALER of its own (a socket serves one thread),
-// sending pings back to back: the bare form of the library's threading, which pays the same
-// wake-up of a sleeping thread per reply.
+// Each application thread has a DEALER of its own (a socket serves one thread): the bare form of
+// the library's threading, which pays the same wake-up of a sleeping thread per reply.
 void PipelinedZmqThreads(benchmark::State& state, bool inproc, int threads) {
     Server server(inproc);
     std::vector<std::unique_ptr<BareDealer>> dealers;
@@ -213,53 +182,24 @@ void PipelinedZmqThreads(benchmark::State& state, bool inproc, int threads) {
             return;
         }
     }
-    const CostMeter cost;
-    for (auto _ : state) {
-        std::atomic<int> left{kBatch};
-        std::atomic<bool> go{false};
-        std::atomic<bool> failed{false};
-        std::vector<std::thread> workers;
-        for (int i = 0; i < threads; ++i) {
-            workers.emplace_back([&, dealer = dealers[static_cast<std::size_t>(i)].get()] {
-                while (!go.load()) {
-                    std::this_thread::yield();
-                }
-                while (left.fetch_sub(1) > 0) {
-                    if (!dealer->RoundTrip()) {
-                        failed.store(true);
-                    }
-                }
-            });
-        }
-        const Clock::time_point start = Clock::now();
-        go.store(true);
-        for (std::thread& worker : workers) {
-            worker.join();
-        }
-        state.SetIterationTime(std::chrono::duration<double>(Clock::now() - start).count());
-        if (failed.load()) {
-            state.SkipWithError("a ping failed");
-            return;
-        }
-    }
-    state.SetItemsProcessed(state.iterations() * kBatch);
-    cost.Report(state, static_cast<double>(state.iterations() * kBatch));
+    TimeThreads(state, threads,
+                [&](int thread) { return dealers[static_cast<std::size_t>(thread)]->RoundTrip(); });
 }
 
 const bool registered = [] {
-    benchmark::RegisterBenchmark("RoundTripSparse/tcp/Library", SparseLibrary)
+    benchmark::RegisterBenchmark("RoundTripSparse/tcp/Library", RoundTripLibrary, false, true)
         ->Iterations(kSparsePings)
         ->UseRealTime();
-    benchmark::RegisterBenchmark("RoundTripSparse/tcp/Zmq", SparseZmq)
+    benchmark::RegisterBenchmark("RoundTripSparse/tcp/Zmq", RoundTripZmq, false, true)
         ->Iterations(kSparsePings)
         ->UseRealTime();
     for (const bool inproc : {false, true}) {
         const std::string transport = inproc ? "inproc" : "tcp";
         benchmark::RegisterBenchmark(("RoundTrip/" + transport + "/Library").c_str(),
-                                     RoundTripLibrary, inproc)
+                                     RoundTripLibrary, inproc, false)
             ->UseRealTime();
         benchmark::RegisterBenchmark(("RoundTrip/" + transport + "/Zmq").c_str(), RoundTripZmq,
-                                     inproc)
+                                     inproc, false)
             ->UseRealTime();
         for (const int inFlight : {1, 8, 32}) {
             const std::string name =

@@ -18,7 +18,7 @@
 #include "support/Measure.h"
 #include "support/BareThrift.h"
 #include "support/Publisher.h"
-#include "support/Samples.h"
+#include "support/Values.h"
 
 namespace Korvo::Bench {
 namespace {
@@ -31,11 +31,7 @@ namespace Notifier = Plexis::Tessel::Serialization::Thrift::Notifier;
 constexpr std::size_t kBatch = 20000;
 
 std::string PlayerStatePayload() {
-    Notification::PlayerStateChangedEventArgs args;
-    args.channelGuid = Plexis::Data::Channels::Guid(Plexis::Data::Channels::Guid::Player, 3, 2);
-    args.serverId = 3;
-    args.timestamp = 1'700'000'000'000;
-    args.state = Testing::Samples::PlayerState(5);
+    const Notification::PlayerStateChangedEventArgs args = PlayerStateChangedSample();
     using namespace Common::Serialization;
     const auto bytes = Serializer<SerializerImpl<Wire::PlayerStateChangedEventArgs>,
                                   Notification::PlayerStateChangedEventArgs,

@@ -22,6 +22,7 @@
 #include "support/BareThrift.h"
 #include "support/Measure.h"
 #include "support/Samples.h"
+#include "support/Values.h"
 
 namespace Korvo::Bench {
 namespace {
@@ -74,14 +75,6 @@ Commands::GetClipsCommandReply ClipListValue() {
     return reply;
 }
 
-Notification::PlayerStateChangedEventArgs PlayerStateValue() {
-    Notification::PlayerStateChangedEventArgs args;
-    args.channelGuid = Plexis::Data::Channels::Guid(Plexis::Data::Channels::Guid::Player, 3, 2);
-    args.serverId = 3;
-    args.timestamp = 1'700'000'000'000;
-    args.state = Testing::Samples::PlayerState(5);
-    return args;
-}
 
 // The clip's converters are instantiated by ClipConverters.cpp.
 using ClipCase = Case<Plexis::Data::Clips::Clip, Thrift::Data::Clips::Generated::Clip>;
@@ -104,7 +97,7 @@ const ClipListCase& The<ClipListCase>() {
 }
 template <>
 const PlayerStateCase& The<PlayerStateCase>() {
-    static const PlayerStateCase value(PlayerStateValue());
+    static const PlayerStateCase value(PlayerStateChangedSample());
     return value;
 }
 
