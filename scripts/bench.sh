@@ -80,13 +80,21 @@ for key in sorted(k for k in results if k.split("/")[0] in ("Encode", "Decode"))
     la, ta = value(key, "Library", "allocs_per_record"), value(key, "Thrift", "allocs_per_record")
     row(f"{key} allocations per record: library / Thrift", la, ta, ratio(la, ta), digits=1)
 
-for key in sorted(k for k in results if k.startswith("RoundTrip")):
+for key in sorted(k for k in results if k.split("/")[0] in ("RoundTrip", "RoundTripSparse")):
     for metric in ("p50_us", "p99_us"):
         lib, zmq = value(key, "Library", metric), value(key, "Zmq", metric)
         r = ratio(lib, zmq)
         held = metric == "p50_us" and key.startswith("RoundTrip/")
         target, ok = ("<= 1.30", r is not None and r <= 1.3) if held else (None, None)
         row(f"{key} {metric}: library / ZeroMQ", lib, zmq, r, target, ok)
+
+# Both clients taking turns in one benchmark: the same load falls on each side of the ratio.
+for key in sorted(k for k in results if k.startswith("RoundTripPaired/")):
+    for metric in ("p50_us", "p99_us"):
+        lib, zmq = (value(key, "Both", side + "_" + metric) for side in ("Library", "Zmq"))
+        r = ratio(lib, zmq)
+        target, ok = ("<= 1.30", r is not None and r <= 1.3) if metric == "p50_us" else (None, None)
+        row(f"{key} (taking turns) {metric}: library / ZeroMQ", lib, zmq, r, target, ok)
 
 def inflight(key):
     return (key.split("/")[1], int(key.split("/")[2]))
@@ -108,7 +116,13 @@ for key in sorted(k for k in results if k.startswith("Notify/")):
 
 # What each item cost the whole process (the peer included, alike on both sides): where a ratio
 # misses its target, these show whether CPU, thread switches or allocations stand in the way.
-for key in sorted(k for k in results if k.split("/")[0] in ("RoundTrip", "Pipelined", "Notify")):
+def family_order(key):
+    parts = key.split("/")
+    count = int(parts[2]) if len(parts) > 2 and parts[2].isdigit() else 0
+    return (("RoundTrip", "Pipelined", "Notify").index(parts[0]), parts[1], count)
+
+for key in sorted((k for k in results if k.split("/")[0] in ("RoundTrip", "Pipelined", "Notify")),
+                  key=family_order):
     for metric, label in (("cpu_us_per_item", "CPU us"), ("switches_per_item", "context switches"),
                           ("allocs_per_item", "allocations")):
         lib, base = value(key, "Library", metric), value(key, "Zmq", metric)

@@ -6,6 +6,7 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <string>
 #include <vector>
 
 #include <benchmark/benchmark.h>
@@ -24,12 +25,13 @@ public:
         samples.push_back(std::chrono::duration<double, std::micro>(elapsed).count());
     }
 
-    void Report(benchmark::State& state) {
+    /// `prefix` goes in front of the counters' names.
+    void Report(benchmark::State& state, const std::string& prefix = "") {
         if (samples.empty()) {
             return;
         }
-        state.counters["p50_us"] = Percentile(0.50);
-        state.counters["p99_us"] = Percentile(0.99);
+        state.counters[prefix + "p50_us"] = Percentile(0.50);
+        state.counters[prefix + "p99_us"] = Percentile(0.99);
     }
 
 private:
