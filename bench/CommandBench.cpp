@@ -29,8 +29,9 @@ public:
     explicit Server(bool inproc)
         : shared(Common::Messaging::Detail::SharedZmqContext()),
           own(inproc ? nullptr : std::make_unique<zmq::context_t>()),
-          responder(inproc ? *shared : *own,
-                    inproc ? "inproc://korvo-bench-" + std::to_string(++count) : "tcp://127.0.0.1:*") {}
+          responder(inproc ? *shared : *own, inproc
+                                                 ? "inproc://korvo-bench-" + std::to_string(++count)
+                                                 : "tcp://127.0.0.1:*") {}
 
     const std::string& Address() const { return responder.Address(); }
     zmq::context_t& ClientContext() { return *shared; }
@@ -241,8 +242,8 @@ const bool registered = [] {
                 ->UseManualTime();
             benchmark::RegisterBenchmark((name + "Zmq").c_str(), PipelinedZmq, inproc, inFlight)
                 ->UseManualTime();
-            benchmark::RegisterBenchmark((name + "ZmqThreads").c_str(), PipelinedZmqThreads,
-                                         inproc, inFlight)
+            benchmark::RegisterBenchmark((name + "ZmqThreads").c_str(), PipelinedZmqThreads, inproc,
+                                         inFlight)
                 ->UseManualTime();
         }
     }

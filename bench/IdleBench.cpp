@@ -71,7 +71,8 @@ void IdleNotificationLibrary(benchmark::State& state) {
     Publisher publisher("ChannelStatus/replay-1", "PlayerStateChanged", "");
     for (auto _ : state) {
         auto client = std::make_unique<Plexis::Tessel::Client::NotificationClient>(
-            std::vector<Common::Messaging::EndPoint>{Common::Messaging::EndPoint(publisher.Address())},
+            std::vector<Common::Messaging::EndPoint>{
+                Common::Messaging::EndPoint(publisher.Address())},
             std::vector<std::string>{});
         if (!publisher.WaitForSubscriber()) {
             state.SkipWithError("the client did not subscribe");

@@ -15,8 +15,8 @@
 #include <Korvo/Plexis/Tessel/Client/NotificationClient.h>
 
 #include "messaging/ZmqContext.h"
-#include "support/Measure.h"
 #include "support/BareThrift.h"
+#include "support/Measure.h"
 #include "support/Publisher.h"
 #include "support/Values.h"
 

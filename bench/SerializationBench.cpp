@@ -75,11 +75,10 @@ Commands::GetClipsCommandReply ClipListValue() {
     return reply;
 }
 
-
 // The clip's converters are instantiated by ClipConverters.cpp.
 using ClipCase = Case<Plexis::Data::Clips::Clip, Thrift::Data::Clips::Generated::Clip>;
-using ClipListCase = Case<Commands::GetClipsCommandReply,
-                          Thrift::Commands::Generated::GetClipsCommandReply>;
+using ClipListCase =
+    Case<Commands::GetClipsCommandReply, Thrift::Commands::Generated::GetClipsCommandReply>;
 using PlayerStateCase = Case<Notification::PlayerStateChangedEventArgs,
                              Thrift::Notifier::Generated::PlayerStateChangedEventArgs>;
 

@@ -27,9 +27,9 @@ std::string Encode(const Record& record) {
 /// Reads `record` from `size` bytes at `bytes`, in place. Throws Thrift's exceptions.
 template <class Record>
 void Decode(const void* bytes, std::size_t size, Record& record) {
-    auto buffer = std::make_shared<TMemoryBuffer>(
-        static_cast<uint8_t*>(const_cast<void*>(bytes)), static_cast<uint32_t>(size),
-        TMemoryBuffer::OBSERVE);
+    auto buffer =
+        std::make_shared<TMemoryBuffer>(static_cast<uint8_t*>(const_cast<void*>(bytes)),
+                                        static_cast<uint32_t>(size), TMemoryBuffer::OBSERVE);
     TCompactProtocolT<TMemoryBuffer> protocol(buffer);
     record.read(&protocol);
 }

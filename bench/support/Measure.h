@@ -36,8 +36,10 @@ public:
 
 private:
     double Percentile(double fraction) {
-        const auto index = static_cast<std::size_t>(fraction * static_cast<double>(samples.size() - 1));
-        std::nth_element(samples.begin(), samples.begin() + static_cast<long>(index), samples.end());
+        const auto index =
+            static_cast<std::size_t>(fraction * static_cast<double>(samples.size() - 1));
+        std::nth_element(samples.begin(), samples.begin() + static_cast<long>(index),
+                         samples.end());
         return samples[index];
     }
 
@@ -70,7 +72,9 @@ double ProcessContextSwitches();
 class CostMeter {
 public:
     CostMeter()
-        : allocations(Allocations()), cpu(ProcessCpuSeconds()), switches(ProcessContextSwitches()) {}
+        : allocations(Allocations()),
+          cpu(ProcessCpuSeconds()),
+          switches(ProcessContextSwitches()) {}
 
     void Report(benchmark::State& state, double items) const {
         if (items <= 0) {

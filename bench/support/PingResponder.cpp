@@ -57,8 +57,8 @@ PingResponder::~PingResponder() {
 }
 
 void PingResponder::Run() {
-    std::array<zmq::pollitem_t, 2> items{{{router.handle(), 0, ZMQ_POLLIN, 0},
-                                          {stopReceiver.handle(), 0, ZMQ_POLLIN, 0}}};
+    std::array<zmq::pollitem_t, 2> items{
+        {{router.handle(), 0, ZMQ_POLLIN, 0}, {stopReceiver.handle(), 0, ZMQ_POLLIN, 0}}};
     std::array<zmq::message_t, 4> frames;  // identity, ticket, header, payload
     for (;;) {
         zmq::poll(items.data(), items.size(), std::chrono::milliseconds(-1));
