@@ -4,6 +4,9 @@
 option(KORVO_BUILD_TESTS "Build the tests" ${PROJECT_IS_TOP_LEVEL})
 option(KORVO_BUILD_TOOLS "Build the simulator and the command-line programs" ${PROJECT_IS_TOP_LEVEL})
 option(KORVO_BUILD_EXAMPLES "Build the example programs" ${PROJECT_IS_TOP_LEVEL})
+# Benchmarks are for release builds of this project itself (the release preset turns them on);
+# they are never built for a parent project.
+option(KORVO_BUILD_BENCHMARKS "Build the benchmarks (top-level builds only)" OFF)
 option(KORVO_WARNINGS_AS_ERRORS "Treat compiler warnings as errors" OFF)
 set(KORVO_SANITIZE "" CACHE STRING
     "Sanitizers to build with: empty, 'address,undefined' or 'thread'")

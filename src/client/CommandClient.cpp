@@ -2,6 +2,7 @@
 
 #include <time.h>
 
+#include <chrono>
 #include <string>
 
 #include <Korvo/Common/Messaging/ObjectShutDownException.h>
@@ -54,8 +55,18 @@ void LogAbandoned(const std::shared_ptr<ILogger>& logger, const char* operation,
         kSource, line);
 }
 
-void SleepAfterEmptyReceive() {
-    const timespec interval{0, 10'000'000};
+// An empty receive costs the reception loop at least 10 ms, which bounds how often an idle loop
+// turns. A messenger that waited for a reply before giving up (the ZeroMQ messenger waits up to
+// its `receiveWait`) has already spent that time, so only what is left of the 10 ms is slept:
+// a reply that arrives just after such a wait is taken at once instead of up to 10 ms later.
+constexpr std::chrono::nanoseconds kIdleInterval{10'000'000};
+
+void SleepAfterEmptyReceive(std::chrono::steady_clock::time_point receiveStarted) {
+    const auto left = kIdleInterval - (std::chrono::steady_clock::now() - receiveStarted);
+    if (left <= std::chrono::nanoseconds::zero()) {
+        return;
+    }
+    const timespec interval{0, static_cast<long>(left.count())};
     nanosleep(&interval, nullptr);
 }
 
@@ -136,29 +147,13 @@ void CommandClient::ProcessReception() {
     std::string failure;
     try {
         while (requestMap && requestMap->active.load()) {
+            const auto receiveStarted = std::chrono::steady_clock::now();
             std::unique_ptr<BaseMessage> message = messenger->Receive();
             if (!message || !message->IsValid()) {
-                SleepAfterEmptyReceive();
+                SleepAfterEmptyReceive(receiveStarted);
                 continue;
             }
-            const int ticket = message->GetOrigin().GetTicket();
-            const bool partial = IsPartialReplyHeader(message->GetHeader());
-
-            std::lock_guard<std::recursive_mutex> lock(requestMap->mutex);
-            auto found = requestMap->requests.find(ticket);
-            if (found == requestMap->requests.end()) {
-                continue;  // answers a request that was cancelled, abandoned or never made
-            }
-            RequestMap::ReplyQueue& replies = *found->second;
-            if (partial) {
-                if (!replies.IsClosed()) {
-                    replies.Push(std::move(message));
-                }
-            } else {
-                replies.Close();
-                replies.Push(std::move(message));
-                requestMap->requests.erase(found);
-            }
+            Deliver(std::move(message));
         }
     } catch (const ObjectShutDownException&) {
         // Stop shuts the messenger down while this thread may be inside Receive; only a shut-down
@@ -175,6 +170,35 @@ void CommandClient::ProcessReception() {
     }
     Log(logger, ILogger::Info, "ProcessReception: stopped.", kSource, __LINE__);
     receptionOwner = nullptr;
+}
+
+void CommandClient::Deliver(std::unique_ptr<BaseMessage> message) {
+    const int ticket = message->GetOrigin().GetTicket();
+    const bool partial = IsPartialReplyHeader(message->GetHeader());
+    std::shared_ptr<RequestMap::ReplyQueue> replies;
+    {
+        std::lock_guard<std::recursive_mutex> lock(requestMap->mutex);
+        auto found = requestMap->requests.find(ticket);
+        if (found == requestMap->requests.end()) {
+            return;  // answers a request that was cancelled, abandoned or never made
+        }
+        if (partial) {
+            if (found->second->IsClosed()) {
+                return;
+            }
+            replies = found->second;
+        } else {
+            found->second->Close();
+            replies = std::move(found->second);
+            requestMap->requests.erase(found);
+        }
+    }
+    // Queued after the map's lock is released, so that the woken caller's next request, which
+    // registers under that lock, never waits for this thread. A final reply's queue is already
+    // out of the map and closed, so a cancellation in between leaves it alone; a partial reply may
+    // then land behind the cancellation mark, where nobody reads it. Only this thread queues
+    // replies, so their order is kept.
+    replies->Push(std::move(message));
 }
 
 void CommandClient::Pause(bool pause) {

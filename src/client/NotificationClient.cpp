@@ -89,7 +89,7 @@ void NotificationClient::Run() {
         try {
             const auto event = subscription->Receive();
             const Message& message = event.Payload();
-            const std::string header = message.GetHeader();
+            const std::string& header = message.GetHeader();
             std::lock_guard<std::mutex> lock(handlersMutex);
             if (auto found = clipCommandMessageTypes.find(header);
                 found != clipCommandMessageTypes.end()) {

@@ -29,14 +29,15 @@ ConnectionMonitor::ConnectionMonitor(std::vector<Link*> links, std::shared_ptr<I
                                      Listener listener)
     : links(std::move(links)),
       logger(std::move(logger)),
-      states(this->links.size(), ConnectionState::Connecting),
+      states(this->links.size()),
       listener(std::move(listener)),
       retryDue(this->links.size()),
       everConnected(this->links.size(), false) {
     for (std::size_t link = 0; link < this->links.size(); ++link) {
         monitors.push_back(this->links[link]->TakeMonitor());
+        states[link].store(ConnectionState::Connecting);
         if (this->links[link]->GetEndPoint().Address().rfind("inproc://", 0) == 0) {
-            states[link] = ConnectionState::Connected;
+            states[link].store(ConnectionState::Connected);
             everConnected[link] = true;
         }
     }
@@ -52,20 +53,25 @@ ConnectionMonitor::~ConnectionMonitor() {
 void ConnectionMonitor::ShutDown() {
     {
         std::lock_guard<std::mutex> lock(stateMutex);
-        std::fill(states.begin(), states.end(), ConnectionState::ShutDown);
+        for (auto& state : states) {
+            state.store(ConnectionState::ShutDown);
+        }
     }
     stopping.store(true);
     wake.Notify();
 }
 
 ConnectionState ConnectionMonitor::State(std::size_t link) const {
-    std::lock_guard<std::mutex> lock(stateMutex);
-    return states.at(link);
+    return states.at(link).load();
 }
 
 std::vector<ConnectionState> ConnectionMonitor::States() const {
     std::lock_guard<std::mutex> lock(stateMutex);
-    return states;
+    std::vector<ConnectionState> copy;
+    for (const auto& state : states) {
+        copy.push_back(state.load());
+    }
+    return copy;
 }
 
 void ConnectionMonitor::SetListener(Listener newListener) {
@@ -195,10 +201,11 @@ void ConnectionMonitor::RecreateDroppedLinks() {
 void ConnectionMonitor::Report(std::size_t link, ConnectionState state) {
     {
         std::lock_guard<std::mutex> lock(stateMutex);
-        if (states[link] == state || states[link] == ConnectionState::ShutDown) {
+        const ConnectionState current = states[link].load();
+        if (current == state || current == ConnectionState::ShutDown) {
             return;
         }
-        states[link] = state;
+        states[link].store(state);
     }
     links[link]->NotifyChange();  // a sender may be waiting for the link to come up
     LogComposed(

@@ -48,6 +48,7 @@ public:
     /// including the listener.
     void ShutDown();
 
+    /// The state of one link, read without a lock. Any thread.
     ConnectionState State(std::size_t link) const;
     std::vector<ConnectionState> States() const;
 
@@ -69,8 +70,10 @@ private:
     WakeSignal wake;
     std::atomic<bool> stopping{false};
 
+    // Changes to the states are made under `stateMutex`; a single state is read without it, since
+    // every send asks for its link's state.
     mutable std::mutex stateMutex;
-    std::vector<ConnectionState> states;
+    std::vector<std::atomic<ConnectionState>> states;
 
     std::mutex listenerMutex;
     Listener listener;

@@ -156,8 +156,9 @@ bool Link::TrySend(std::array<zmq::message_t, kEnvelopeFrames>& frames) {
             }
         }
         // Sending, even in vain, may have consumed the descriptor's signal of a reply that a
-        // receiver is polling for; if a reply is waiting, wake that receiver here.
-        inputWaiting = (socket->get(zmq::sockopt::events) & ZMQ_POLLIN) != 0;
+        // receiver is polling for; if a reply is waiting, wake that receiver here. A receiver that
+        // is not polling yet tries the socket before it polls, so it needs no wake-up.
+        inputWaiting = waiters > 0 && (socket->get(zmq::sockopt::events) & ZMQ_POLLIN) != 0;
     } catch (const zmq::error_t& error) {
         throw Failure(endpoint, "cannot send to", error);
     }
@@ -271,16 +272,12 @@ void Link::Close() {
 }
 
 void Waits::Add(Link& link, int fd) {
-    links.push_back(&link);
-    fds.push_back(fd);
+    storage.links.push_back(&link);
+    storage.items.push_back({fd, POLLIN, 0});
 }
 
 bool Waits::Poll(WakeSignal& wake, std::chrono::milliseconds timeout) {
-    std::vector<pollfd> items;
-    items.reserve(fds.size() + 1);
-    for (const int fd : fds) {
-        items.push_back({fd, POLLIN, 0});
-    }
+    std::vector<pollfd>& items = storage.items;
     items.push_back({wake.Fd(), POLLIN, 0});
     const auto limit = std::min<std::chrono::milliseconds::rep>(timeout.count(), INT_MAX);
     const int ready = ::poll(items.data(), items.size(), static_cast<int>(limit));
@@ -296,11 +293,11 @@ bool Waits::Poll(WakeSignal& wake, std::chrono::milliseconds timeout) {
 }
 
 void Waits::End() noexcept {
-    for (Link* link : links) {
+    for (Link* link : storage.links) {
         link->EndWait();
     }
-    links.clear();
-    fds.clear();
+    storage.links.clear();
+    storage.items.clear();
 }
 
 }  // namespace Korvo::Common::Messaging::Detail

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <poll.h>
+
 #include <array>
 #include <chrono>
 #include <condition_variable>
@@ -118,10 +120,18 @@ private:
 
 namespace Korvo::Common::Messaging::Detail {
 
+/// Where a receiver's `Waits` keep their lists; the receiving thread keeps one across passes, so
+/// that waiting allocates nothing once the lists have grown to the number of links.
+struct WaitStorage {
+    std::vector<Link*> links;
+    std::vector<pollfd> items;  // one per link, then the wake signal
+};
+
 /// The waits that `Link::TakeOrWait` registered during one pass of a receiver, ended together.
 class Waits {
 public:
-    Waits() = default;
+    /// Uses `storage`, which must be empty and stay the caller's own for the pass.
+    explicit Waits(WaitStorage& storage) : storage(storage) {}
     ~Waits() { End(); }
 
     Waits(const Waits&) = delete;
@@ -137,8 +147,7 @@ public:
 private:
     void End() noexcept;
 
-    std::vector<Link*> links;
-    std::vector<int> fds;
+    WaitStorage& storage;
 };
 
 }  // namespace Korvo::Common::Messaging::Detail

@@ -50,7 +50,9 @@ public:
     Detail::Link link;
     Detail::ConnectionMonitor monitor;
     std::atomic<bool> shutDown{false};
-    Detail::Frames frames;  // the receiving thread's
+    // The receiving thread's.
+    Detail::Frames frames;
+    Detail::WaitStorage waitStorage;
 };
 
 Messenger::Messenger(const EndPoint& server, const TransportOptions& options,
@@ -115,7 +117,7 @@ std::unique_ptr<Plexis::Tessel::Client::BaseMessage> Messenger::Receive() {
     }
     const Clock::time_point deadline = Clock::now() + impl->options.receiveWait;
     for (;;) {
-        Detail::Waits waits;
+        Detail::Waits waits(impl->waitStorage);
         int fd = -1;
         if (impl->link.TakeOrWait(impl->frames, fd)) {
             std::string problem;

@@ -94,6 +94,7 @@ public:
     std::atomic<bool> shutDown{false};
     // The receiving thread's.
     Detail::Frames frames;
+    Detail::WaitStorage waitStorage;
     std::size_t next = 0;
 };
 
@@ -114,7 +115,7 @@ Subscription::Event Subscription::Receive() {
         if (impl->shutDown.load()) {
             throw ObjectShutDownException("Receive: subscription shut down.");
         }
-        Detail::Waits waits;
+        Detail::Waits waits(impl->waitStorage);
         const long source = impl->TakeFromAny(waits);
         if (source < 0) {
             waits.Poll(impl->wake, kLongestWait);

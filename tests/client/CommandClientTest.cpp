@@ -1,6 +1,11 @@
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
 #include <future>
+#include <mutex>
 #include <stdexcept>
 #include <thread>
+#include <vector>
 
 #include <Korvo/Common/Messaging/ObjectShutDownException.h>
 #include <Korvo/Common/Messaging/TransportException.h>
@@ -215,6 +220,62 @@ TEST_F(CommandClientTest, HandleOutlivesItsClient) {
     auto pending = Send("orphan");
     client.reset();
     EXPECT_EQ(NextOf(*pending).kind, Kind::Cancelled);
+}
+
+// A server that never answers, behind a messenger whose Receive gives up at once: the reception
+// loop's own idle sleep is then all that keeps it from spinning.
+class ImpatientMessenger final : public BaseClientMessenger {
+public:
+    using Clock = std::chrono::steady_clock;
+
+    bool IsShutDown() const override { return shutDown.load(); }
+    void ShutDown() override { shutDown.store(true); }
+    void Send(const int&, const std::string&, const Common::Serialization::Buffer&) override {}
+    Common::Messaging::ConnectionState GetConnectionState() const override {
+        return Common::Messaging::ConnectionState::Connected;
+    }
+    void SetConnectionStateHandler(ConnectionStateHandler) override {}
+
+    std::unique_ptr<BaseMessage> Receive() override {
+        if (shutDown.load()) {
+            throw ObjectShutDownException("shut down");
+        }
+        {
+            std::lock_guard<std::mutex> lock(mutex);
+            calls.push_back(Clock::now());
+        }
+        called.notify_all();
+        return nullptr;
+    }
+
+    /// The times of the first `count` calls; empty if they did not come within `limit`.
+    std::vector<Clock::time_point> FirstCalls(std::size_t count, std::chrono::milliseconds limit) {
+        std::unique_lock<std::mutex> lock(mutex);
+        if (!called.wait_for(lock, limit, [&] { return calls.size() >= count; })) {
+            return {};
+        }
+        return {calls.begin(), calls.begin() + static_cast<long>(count)};
+    }
+
+private:
+    std::atomic<bool> shutDown{false};
+    std::mutex mutex;
+    std::condition_variable called;
+    std::vector<Clock::time_point> calls;
+};
+
+TEST(CommandClientIdleTest, EmptyReceivesThatReturnAtOnceAreSpacedByTenMilliseconds) {
+    auto owned = std::make_unique<ImpatientMessenger>();
+    ImpatientMessenger& messenger = *owned;
+    Plexis::Tessel::Client::CommandClient client(std::move(owned),
+                                                 std::make_shared<TextPayloadBuilder>(),
+                                                 std::make_shared<TextReplyBuilder>());
+    const auto calls = messenger.FirstCalls(6, std::chrono::seconds(30));
+    client.Stop();
+    ASSERT_EQ(calls.size(), 6u);
+    // Five idle turns of at least 10 ms each, less the instant between the loop reading the clock
+    // and the messenger recording the first call.
+    EXPECT_GE(calls.back() - calls.front(), std::chrono::milliseconds(45));
 }
 
 class QuietCommandClientTest : public ClientFixture {

@@ -61,6 +61,8 @@ public:
 
 private:
     void ProcessReception();
+    // Hands one reply to the request it answers, or drops it; the reception thread's.
+    void Deliver(std::unique_ptr<BaseMessage> message);
     void StartReceptionThread();
     void JoinReceptionThread();
 
