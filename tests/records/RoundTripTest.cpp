@@ -10,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <memory>
 #include <string>
@@ -45,6 +46,7 @@ public:
     uint32_t readStructBegin(std::string&) {
         Take();
         frames.emplace_back();
+        deepest = std::max(deepest, static_cast<int>(frames.size()));
         return 0;
     }
     uint32_t readStructEnd() {
@@ -82,6 +84,9 @@ public:
         return Value(value, "text " + std::to_string(Next()));
     }
     uint32_t readBinary(std::string& value) { return readString(value); }
+
+    /// The most structs that were open at once.
+    int deepest = 0;
 
 private:
     static constexpr std::array<TType, 11> kTypes = {
@@ -148,6 +153,25 @@ TYPED_TEST(RecordRoundTrip, EveryFieldSetSurvivesWritingAndReading) {
     const auto decoded = Korvo::Testing::Deserialize<TypeParam>(bytes);
     EXPECT_EQ(decoded, filled);
     EXPECT_EQ(Korvo::Testing::Encode(decoded), bytes);
+}
+
+// Filled, every record nests as deeply as it can; the decoder's depth limit is the deepest.
+template <class Record>
+int FilledNesting() {
+    FillingProtocol filler;
+    Record filled;
+    filled.read(&filler);
+    return filler.deepest;
+}
+
+template <class... Records>
+int DeepestNesting(::testing::Types<Records...>*) {
+    return std::max({FilledNesting<Records>()...});
+}
+
+TEST(RecordNesting, TheDecoderRefusesOnlyWhatIsDeeperThanTheDeepestRecord) {
+    EXPECT_EQ(DeepestNesting(static_cast<AllRecords*>(nullptr)),
+              Korvo::Common::Serialization::kDeepestRecordNesting);
 }
 
 }  // namespace
