@@ -8,10 +8,12 @@
 #include <cstdlib>
 #include <cstring>
 #include <functional>
+#include <initializer_list>
 #include <memory>
 #include <new>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include <thrift/Thrift.h>
 #include <thrift/protocol/TProtocolException.h>
@@ -28,6 +30,7 @@
 
 #include "client/NotificationDispatch.h"
 #include "support/HostileFrames.h"
+#include "support/SamplePayloads.h"
 
 // The largest single C++ allocation made by this thread while watching. The decoder's
 // containers and strings all allocate through operator new.
@@ -216,6 +219,40 @@ TEST(BoundedCompactProtocol, SizesAreCheckedAgainstTheBytesLeftBeforeAllocating)
     EXPECT_EQ(ErrorType<TProtocolException>(
                   [&] { deeper.protocol.skip(apache::thrift::protocol::T_STRUCT); }),
               TProtocolException::DEPTH_LIMIT);
+}
+
+TEST(HostileInput, FilledRepliesAndNotificationsStillDecodeWhole) {
+    Plexis::Tessel::Client::ChannelCommandReplyBuilder channel;
+    Plexis::Tessel::Client::DataCommandReplyBuilder data;
+    for (const SamplePayload& reply : SampleReplyPayloads()) {
+        const auto buffer = ExactCopy(reply.bytes);
+        int built = 0;
+        for (Plexis::Tessel::Client::CommandReplyBuilder* builder :
+             std::initializer_list<Plexis::Tessel::Client::CommandReplyBuilder*>{&channel, &data}) {
+            try {
+                built += builder->BuildCommandReply(reply.name, *buffer) != nullptr;
+            } catch (const std::invalid_argument& error) {
+                EXPECT_NE(std::string(error.what()).find("Unknown command type"), std::string::npos)
+                    << reply.name << ": " << error.what();
+            }
+        }
+        EXPECT_GE(built, 1) << reply.name;
+    }
+    Plexis::Tessel::Client::NotificationHandlers handlers;
+    std::vector<std::string> delivered;
+    handlers.clipCommandHandlers.push_back([&](auto type, const auto&) {
+        delivered.push_back("clip command " + std::to_string(type));
+    });
+    const Plexis::Tessel::Client::Detail::NotificationDispatch dispatch;
+    std::size_t notifications = 0;
+    for (const SamplePayload& notification : SampleNotificationPayloads()) {
+        const Common::Messaging::Message message(Common::Messaging::Origin(0), notification.name,
+                                                 notification.bytes);
+        EXPECT_TRUE(dispatch(handlers, message)) << notification.name;
+        ++notifications;
+    }
+    EXPECT_EQ(notifications, 17u);
+    EXPECT_EQ(delivered.size(), 11u);  // the clip and angles-group family
 }
 
 TEST(HostileInput, BytesAfterTheStopFieldAreIgnored) {
