@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
@@ -33,28 +34,92 @@
 #include "support/SamplePayloads.h"
 
 // The largest single C++ allocation made by this thread while watching. The decoder's
-// containers and strings all allocate through operator new.
+// containers and strings all allocate through operator new. Every form is replaced, so that all
+// of them allocate and free alike (the sanitizers check that they match).
 namespace {
 thread_local bool watching = false;
 thread_local std::size_t largestAllocation = 0;
 
-void* Allocate(std::size_t size) {
+void* Allocate(std::size_t size, std::size_t alignment = alignof(std::max_align_t)) {
     if (watching && size > largestAllocation) {
         largestAllocation = size;
     }
-    if (void* block = std::malloc(size == 0 ? 1 : size)) {
-        return block;
+    void* block = nullptr;
+    if (posix_memalign(&block, std::max(alignment, sizeof(void*)), size == 0 ? 1 : size) != 0) {
+        throw std::bad_alloc();
     }
-    throw std::bad_alloc();
+    return block;
+}
+
+void* AllocateOrNull(std::size_t size, std::size_t alignment) noexcept {
+    try {
+        return Allocate(size, alignment);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
 }
 }  // namespace
 
-void* operator new(std::size_t size) { return Allocate(size); }
-void* operator new[](std::size_t size) { return Allocate(size); }
-void operator delete(void* block) noexcept { std::free(block); }
-void operator delete[](void* block) noexcept { std::free(block); }
-void operator delete(void* block, std::size_t) noexcept { std::free(block); }
-void operator delete[](void* block, std::size_t) noexcept { std::free(block); }
+void* operator new(std::size_t size) {
+    return Allocate(size);
+}
+void* operator new[](std::size_t size) {
+    return Allocate(size);
+}
+void* operator new(std::size_t size, std::align_val_t alignment) {
+    return Allocate(size, static_cast<std::size_t>(alignment));
+}
+void* operator new[](std::size_t size, std::align_val_t alignment) {
+    return Allocate(size, static_cast<std::size_t>(alignment));
+}
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return AllocateOrNull(size, alignof(std::max_align_t));
+}
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+    return AllocateOrNull(size, alignof(std::max_align_t));
+}
+void* operator new(std::size_t size, std::align_val_t alignment, const std::nothrow_t&) noexcept {
+    return AllocateOrNull(size, static_cast<std::size_t>(alignment));
+}
+void* operator new[](std::size_t size, std::align_val_t alignment, const std::nothrow_t&) noexcept {
+    return AllocateOrNull(size, static_cast<std::size_t>(alignment));
+}
+void operator delete(void* block) noexcept {
+    std::free(block);
+}
+void operator delete[](void* block) noexcept {
+    std::free(block);
+}
+void operator delete(void* block, std::size_t) noexcept {
+    std::free(block);
+}
+void operator delete[](void* block, std::size_t) noexcept {
+    std::free(block);
+}
+void operator delete(void* block, std::align_val_t) noexcept {
+    std::free(block);
+}
+void operator delete[](void* block, std::align_val_t) noexcept {
+    std::free(block);
+}
+void operator delete(void* block, std::size_t, std::align_val_t) noexcept {
+    std::free(block);
+}
+void operator delete[](void* block, std::size_t, std::align_val_t) noexcept {
+    std::free(block);
+}
+void operator delete(void* block, const std::nothrow_t&) noexcept {
+    std::free(block);
+}
+void operator delete[](void* block, const std::nothrow_t&) noexcept {
+    std::free(block);
+}
+void operator delete(void* block, std::align_val_t, const std::nothrow_t&) noexcept {
+    std::free(block);
+}
+void operator delete[](void* block, std::align_val_t, const std::nothrow_t&) noexcept {
+    std::free(block);
+}
 
 namespace Korvo::Testing {
 namespace {
@@ -148,7 +213,8 @@ TEST(HostileInput, NotificationPayloadsFailBeforeAnyCallback) {
         const std::string failure = FailureOf([&] { dispatch(handlers, message); }, largest);
         // A few frames are a valid encoding of a server notification's prefix up to where they
         // fail; all of them must fail.
-        EXPECT_EQ(failure.rfind("InvalidFormatException: ", 0), 0u) << frame.name << ": " << failure;
+        EXPECT_EQ(failure.rfind("InvalidFormatException: ", 0), 0u)
+            << frame.name << ": " << failure;
         EXPECT_LE(largest, kAllocationBound) << frame.name;
     }
     EXPECT_EQ(calls, 0);
@@ -193,9 +259,9 @@ TEST(BoundedCompactProtocol, SizesAreCheckedAgainstTheBytesLeftBeforeAllocating)
     apache::thrift::protocol::TType type;
     uint32_t size = 0;
     Reader threeStructs("\x3C\x00\x00"s);
-    EXPECT_EQ(ErrorType<TTransportException>(
-                  [&] { threeStructs.protocol.readListBegin(type, size); }),
-              TTransportException::END_OF_FILE);
+    EXPECT_EQ(
+        ErrorType<TTransportException>([&] { threeStructs.protocol.readListBegin(type, size); }),
+        TTransportException::END_OF_FILE);
     Reader threeOfThree("\x3C\x00\x00\x00"s);
     threeOfThree.protocol.readListBegin(type, size);
     EXPECT_EQ(size, 3u);
