@@ -41,7 +41,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (std::size_t i = 0; i < std::min(count, Detail::kEnvelopeFrames); ++i) {
         std::size_t length = size - at;
         if (i + 1 < std::min(count, Detail::kEnvelopeFrames) && at < size) {
-            length = std::min<std::size_t>(data[at++], size - at);
+            const std::size_t claimed = data[at];
+            ++at;
+            length = std::min(claimed, size - at);
         }
         frames[i].assign(reinterpret_cast<const char*>(data + at), length);
         at += length;
