@@ -25,7 +25,8 @@ void Require(bool condition) {
 }
 
 bool Carries(const Message& message, const std::string& header, const std::string& body) {
-    return message.IsValid() && message.GetHeader() == header && message.DataSize() == body.size() &&
+    return message.IsValid() && message.GetHeader() == header &&
+           message.DataSize() == body.size() &&
            (body.empty() || std::memcmp(message.Data(), body.data(), body.size()) == 0);
 }
 

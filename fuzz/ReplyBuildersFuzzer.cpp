@@ -20,8 +20,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto& names = Korvo::Fuzzing::ReplyTypeNames();
     const std::string& name = names[Korvo::Fuzzing::Choice(data[0], names.size())];
     // The payload ends where the input does, so a read past it is caught.
-    const Korvo::Common::Serialization::PointerBuffer payload(
-        const_cast<unsigned char*>(data + 1), static_cast<unsigned int>(size - 1));
+    const Korvo::Common::Serialization::PointerBuffer payload(const_cast<unsigned char*>(data + 1),
+                                                              static_cast<unsigned int>(size - 1));
 
     ChannelCommandReplyBuilder channel;
     DataCommandReplyBuilder dataBuilder;

@@ -46,8 +46,8 @@ public:
 private:
     static std::string Sanitized(std::string name) {
         std::replace_if(
-            name.begin(), name.end(), [](char c) { return !std::isalnum(static_cast<unsigned char>(c)); },
-            '_');
+            name.begin(), name.end(),
+            [](char c) { return !std::isalnum(static_cast<unsigned char>(c)); }, '_');
         return name;
     }
 

@@ -28,8 +28,7 @@ private:
     std::unordered_map<std::string, Notification::ClipStatusEvent::Type> clipStatusMessageTypes;
     std::unordered_map<std::string, Notification::ChannelStatusEvent::Type>
         channelStatusMessageTypes;
-    std::unordered_map<std::string, Notification::ServerStatusEvent::Type>
-        serverStatusMessageTypes;
+    std::unordered_map<std::string, Notification::ServerStatusEvent::Type> serverStatusMessageTypes;
 };
 
 }  // namespace Korvo::Plexis::Tessel::Client::Detail

@@ -21,15 +21,15 @@ inline std::vector<HostileFrame> HostileFrames() {
     // map. A list header 0xFn announces a varint size (n: the element type) after it.
     return {
         {"a string claiming 2^31-1 bytes", "UnknownCommand", "\x18\xFF\xFF\xFF\xFF\x07"s},
-        {"a list claiming 2^31-1 structs", "ChannelCommandReply",
-         "\x29\xFC\xFF\xFF\xFF\xFF\x07"s},
+        {"a list claiming 2^31-1 structs", "ChannelCommandReply", "\x29\xFC\xFF\xFF\xFF\xFF\x07"s},
         {"a list claiming 2^29 doubles (2^32 bytes, 0 in 32 bits)", "ChannelCommandReply",
          "\x29\xF7\x80\x80\x80\x80\x02"s},
         {"a map claiming 2^28 double pairs (2^32 bytes, 0 in 32 bits)", "GetChannelsCommandReply",
          "\x2B\x80\x80\x80\x80\x01\x77"s},
         {"a negative string length", "UnknownCommand", "\x18\xFF\xFF\xFF\xFF\x0F"s},
         {"a negative list size", "ChannelCommandReply", "\x29\xFC\x80\x80\x80\x80\x08"s},
-        {"an 11-byte varint", "UnknownCommand", "\x18\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\x01"s},
+        {"an 11-byte varint", "UnknownCommand",
+         "\x18\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\x01"s},
         {"an unknown field type", "SuccessReply", "\x1D\x00"s},
         {"an unknown list element type", "ChannelCommandReply", "\x29\x1D\x00\x00"s},
         {"an unknown map key type", "GetChannelsCommandReply", "\x2B\x01\xDC\x00\x00"s},

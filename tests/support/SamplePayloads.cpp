@@ -122,8 +122,7 @@ std::vector<SamplePayload> SampleNotificationPayloads() {
                                                  MassClipDeletionEventArgs());
     AnglesGroupCreationFinishedEventArgs group;
     group.anglesGroup = Samples::AnglesGroup(1);
-    Add<Wire::AnglesGroupCreationFinishedEventArgs>(payloads, "AnglesGroupCreationFinished",
-                                                    group);
+    Add<Wire::AnglesGroupCreationFinishedEventArgs>(payloads, "AnglesGroupCreationFinished", group);
     AnglesGroupUpdateFinishedEventArgs groupUpdate;
     groupUpdate.anglesGroup = Samples::AnglesGroup(2);
     Add<Wire::AnglesGroupUpdateFinishedEventArgs>(payloads, "AnglesGroupUpdateFinished",

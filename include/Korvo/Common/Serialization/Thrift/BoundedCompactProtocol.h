@@ -22,7 +22,9 @@ namespace Korvo::Common::Serialization::Thrift {
 /// - all the containers of one frame together claim no more elements than the frame has bytes
 ///   (every element, however nested, starts with a byte of its own), so the elements allocated
 ///   while decoding one frame never outnumber its bytes;
-/// - a string claims no more than the unread bytes of the frame, checked before its buffer grows;
+/// - a string claims no more than the unread bytes of the frame, checked before its buffer grows
+///   (no more than the whole frame when read through the `TProtocol` interface rather than
+///   through this class, as generated records read);
 /// - the nesting depth is the transport configuration's recursion limit (see `FrameConfiguration`).
 /// A rejection is a Thrift `TProtocolException` or `TTransportException`, like any other parse
 /// failure. Unknown fields are skipped through the same checks.
