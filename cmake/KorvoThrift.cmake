@@ -38,3 +38,26 @@ function(korvo_thrift_generate var)
     endforeach()
     set(${var} ${sources} PARENT_SCOPE)
 endfunction()
+
+# korvo_list_records(<output file>)
+#
+# Writes every struct of idl/, qualified by its namespace and separated by commas, into the output
+# file: a list of types that a test or a fuzzer includes to cover every record. Editing a .thrift
+# file re-runs this at the next build.
+function(korvo_list_records output)
+    file(GLOB idl_files CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/idl/*.thrift)
+    set(records)
+    foreach(idl IN LISTS idl_files)
+        file(STRINGS ${idl} namespace_line REGEX "^namespace cpp ")
+        string(REGEX REPLACE "^namespace cpp ([A-Za-z0-9_.]+).*" "\\1" namespace "${namespace_line}")
+        string(REPLACE "." "::" namespace "${namespace}")
+        file(STRINGS ${idl} struct_lines REGEX "^struct ")
+        foreach(line IN LISTS struct_lines)
+            string(REGEX REPLACE "^struct ([A-Za-z0-9_]+).*" "::\\1" record "${line}")
+            list(APPEND records "::${namespace}${record}")
+        endforeach()
+    endforeach()
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${idl_files})
+    list(JOIN records ",\n" records)
+    file(CONFIGURE OUTPUT ${output} CONTENT "${records}\n")
+endfunction()

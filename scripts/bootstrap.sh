@@ -2,7 +2,8 @@
 # Installs what the project needs, builds it and runs it, from a fresh clone on Debian bookworm.
 #
 #   scripts/bootstrap.sh demo   build the default preset and run the demo (tessel demo)
-#   scripts/bootstrap.sh test   build the default, asan and tsan presets and run every test in each
+#   scripts/bootstrap.sh test   build the default, asan and tsan presets and run every test in each,
+#                               then build the fuzzers (fuzz preset) and run each one briefly
 #
 # Only the Debian packages that are missing are installed, after one `apt-get update`; as a
 # non-root user the script uses sudo for that step.
@@ -53,7 +54,7 @@ case "${1:-}" in
         ;;
     test)
         install_missing
-        for preset in default asan tsan; do
+        for preset in default asan tsan fuzz; do
             echo "=== ${preset} ==="
             build "$preset"
             ctest --preset "$preset"

@@ -4,10 +4,10 @@
 
 #include <thrift/TConfiguration.h>
 #include <thrift/Thrift.h>
-#include <thrift/protocol/TCompactProtocol.h>
 
 #include <Korvo/Common/Serialization/Buffer.h>
 #include <Korvo/Common/Serialization/InvalidFormatException.h>
+#include <Korvo/Common/Serialization/Thrift/BoundedCompactProtocol.h>
 #include <Korvo/Common/Serialization/Thrift/PermissiveMemoryBuffer.h>
 
 namespace Korvo::Common::Serialization {
@@ -16,8 +16,14 @@ namespace Korvo::Common::Serialization {
 inline constexpr const char* kUnparsableInputMessage =
     "The input could not be parsed by the deserializer";
 
+/// How deeply the records of the protocol nest structs at most (a reply, the clips it carries,
+/// their parts...). Decoding refuses to go deeper: each level costs stack, and no valid reply or
+/// notification needs more. The records' tests keep this equal to the deepest record.
+inline constexpr int kDeepestRecordNesting = 8;
+
 namespace Detail {
-/// Decoder limits for one frame of `size` bytes: a message can never claim more than the frame.
+/// Decoder limits for one frame of `size` bytes: a message can never claim more than the frame,
+/// nor nest deeper than `kDeepestRecordNesting`.
 std::shared_ptr<apache::thrift::TConfiguration> FrameConfiguration(unsigned int size);
 }  // namespace Detail
 
@@ -30,16 +36,16 @@ public:
 
     /// Fills `record` from `size` bytes at `bytes` (which may be null when `size` is 0). Throws
     /// `InvalidFormatException` "The input could not be parsed by the deserializer" for any Thrift
-    /// failure (truncated input, wrong types, a missing required field, a limit exceeded); other
-    /// exceptions such as `std::bad_alloc` pass through.
+    /// failure (truncated input, wrong types, a missing required field, a size the bytes cannot
+    /// hold, nesting deeper than any record); other exceptions such as `std::bad_alloc` pass
+    /// through. Reads nothing outside the `size` bytes.
     void Deserialize(const unsigned char* bytes, unsigned int size, G& record) const {
         using apache::thrift::transport::TMemoryBuffer;
         try {
             auto transport = std::make_shared<Thrift::PermissiveMemoryBuffer>(
                 const_cast<unsigned char*>(bytes), size, TMemoryBuffer::OBSERVE,
                 Detail::FrameConfiguration(size));
-            apache::thrift::protocol::TCompactProtocolT<Thrift::PermissiveMemoryBuffer> protocol(
-                transport);
+            Thrift::BoundedCompactProtocol protocol(transport);
             record.read(&protocol);
         } catch (const apache::thrift::TException&) {
             throw InvalidFormatException(kUnparsableInputMessage);

@@ -96,6 +96,7 @@
 #include <Korvo/Plexis/Tessel/Client/DataCommandParamsPayloadBuilder.h>
 #include <Korvo/Plexis/Tessel/Client/DataCommandReplyBuilder.h>
 #include <Korvo/Plexis/Tessel/Client/NotificationClient.h>
+#include <Korvo/Plexis/Tessel/Client/NotificationHandlers.h>
 #include <Korvo/Plexis/Tessel/Client/PendingCommandReply.h>
 #include <Korvo/Plexis/Tessel/Client/RequestMap.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/AnglesGroupCommandReply.h>

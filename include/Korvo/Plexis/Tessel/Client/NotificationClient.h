@@ -1,6 +1,5 @@
 #pragma once
 
-#include <functional>
 #include <future>
 #include <memory>
 #include <mutex>
@@ -11,13 +10,13 @@
 #include <Korvo/Common/Messaging/EndPoint.h>
 #include <Korvo/Common/Messaging/Message.h>
 #include <Korvo/Common/Messaging/TransportOptions.h>
+#include <Korvo/Plexis/Tessel/Client/NotificationHandlers.h>
 #include <Korvo/Plexis/Tessel/Logging/ILogger.h>
-#include <Korvo/Plexis/Tessel/Serialization/Thrift/Notifier/Converters.h>
 
 namespace Korvo::Plexis::Tessel::Client {
 
 /// Receives the server's notifications and hands each one, decoded into its argument class, to
-/// the callbacks the application put in the lists below.
+/// the callbacks the application put in its lists (`NotificationHandlers`).
 ///
 /// The constructor subscribes and starts one thread that runs for the client's life. Fill the
 /// lists right after construction, before the notifications of interest arrive, or hold
@@ -27,13 +26,8 @@ namespace Korvo::Plexis::Tessel::Client {
 /// slow callback delays every later one. A notification that cannot be decoded, or whose callback
 /// throws, is logged (logger "NotificationClient", level 50) and skipped; the next one is handled
 /// as usual. An unknown type name is logged and dropped.
-class NotificationClient {
+class NotificationClient : public NotificationHandlers {
 public:
-    template <class Args>
-    using Handlers = std::vector<std::function<void(const Args&)>>;
-    template <class Family, class Args>
-    using FamilyHandlers = std::vector<std::function<void(typename Family::Type, const Args&)>>;
-
     /// Subscribes to `topics` (empty: everything) on every endpoint and starts the receiving
     /// thread. Throws what the subscription throws (`TransportException`, `std::invalid_argument`
     /// for no endpoint); no thread is started then.
@@ -62,51 +56,7 @@ private:
     std::unique_ptr<Common::Messaging::Client::Subscription> subscription;
     std::future<void> worker;
 
-public:
-    /// Every clip and angles-group notification, with its enumerator.
-    FamilyHandlers<Notification::ClipCommandEvent, Notification::ClipCommandEventArgs>
-        clipCommandHandlers;
-    /// Every clip status notification.
-    FamilyHandlers<Notification::ClipStatusEvent, Notification::ClipStatusEventArgs>
-        clipStatusHandlers;
-    /// Every player and recorder state notification.
-    FamilyHandlers<Notification::ChannelStatusEvent, Notification::ChannelStatusEventArgs>
-        channelStatusHandlers;
-    /// Every server notification.
-    FamilyHandlers<Notification::ServerStatusEvent, Notification::ServerStatusEventArgs>
-        serverStatusHandlers;
-
-    // One list per notification type, called before the family's list.
-    Handlers<Notification::ClipCreationEventArgs> clipCreationStartedHandlers;
-    Handlers<Notification::ClipCreationFinishedEventArgs> clipCreationFinishedHandlers;
-    Handlers<Notification::ClipUpdateFinishedEventArgs> clipUpdateFinishedHandlers;
-    Handlers<Notification::ClipDeletionFinishedEventArgs> clipDeletionFinishedHandlers;
-    Handlers<Notification::ClipMoveEventArgs> clipMoveStartedHandlers;
-    Handlers<Notification::ClipMoveFinishedEventArgs> clipMoveFinishedHandlers;
-    Handlers<Notification::MassClipUpdateEventArgs> massClipUpdateFinishedHandlers;
-    Handlers<Notification::MassClipDeletionEventArgs> massClipDeletionFinishedHandlers;
-    Handlers<Notification::RecordingRangesChangedEventArgs> recordingRangesChangedHandlers;
-    Handlers<Notification::RecorderStateChangedEventArgs> recorderStateChangedHandlers;
-    Handlers<Notification::PlayerStateChangedEventArgs> playerStateChangedHandlers;
-    Handlers<Notification::AnglesGroupCreationFinishedEventArgs>
-        anglesGroupCreationFinishedHandlers;
-    Handlers<Notification::AnglesGroupDeletionFinishedEventArgs>
-        anglesGroupDeletionFinishedHandlers;
-    Handlers<Notification::AnglesGroupUpdateFinishedEventArgs> anglesGroupUpdateFinishedHandlers;
-    Handlers<Notification::ServerAddedEventArgs> serverAddedHandlers;
-    Handlers<Notification::ServerRemovedEventArgs> serverRemovedHandlers;
-    Handlers<Notification::DisconnectedFromNetworkEventArgs> disconnectedFromNetworkHandlers;
-
-private:
     void Run();
-    void DispatchClipCommand(Notification::ClipCommandEvent::Type type,
-                             const Common::Messaging::Message& message);
-    void DispatchClipStatus(Notification::ClipStatusEvent::Type type,
-                            const Common::Messaging::Message& message);
-    void DispatchChannelStatus(Notification::ChannelStatusEvent::Type type,
-                               const Common::Messaging::Message& message);
-    void DispatchServerStatus(Notification::ServerStatusEvent::Type type,
-                              const Common::Messaging::Message& message);
 
     std::shared_ptr<Logging::ILogger> logger;
     std::mutex handlersMutex;
