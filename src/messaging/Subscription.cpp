@@ -27,7 +27,7 @@ using Plexis::Tessel::Logging::LogComposed;
 
 constexpr const char* kSource = "Korvo/Common/Messaging/Client/Subscription";
 
-// Receive wakes at least this often even without news. Shutting down wakes it at once anyway;
+// The pump wakes at least this often even without news. Shutting down wakes it at once anyway;
 // this only bounds the cost of a wake-up that could ever be missed.
 constexpr std::chrono::milliseconds kLongestWait{1000};
 
@@ -226,7 +226,7 @@ public:
     std::mutex queueMutex;         // a leaf: nothing else is locked while it is held
     std::condition_variable queueChanged;
     std::deque<Event> queue;
-    std::uint64_t droppedInRun = 0;  // refused since `Take` last emptied a full queue
+    std::uint64_t droppedInRun = 0;  // refused since `Take` last took one
     bool pumpEnded = false;
     std::exception_ptr pumpFailure;
 

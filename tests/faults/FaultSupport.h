@@ -3,6 +3,7 @@
 // What the fault tests share: a command client with the data builders over the ZeroMQ messenger,
 // transport settings that notice faults quickly, and bounded waits.
 
+#include <atomic>
 #include <chrono>
 #include <functional>
 #include <memory>
@@ -38,9 +39,12 @@ std::unique_ptr<CommandClient> DataClientTo(const std::string& endpoint,
 /// Waits until `client`'s link is up; false after `limit`.
 bool AwaitConnected(const CommandClient& client, std::chrono::milliseconds limit = kPatience);
 
-/// A ping with a fresh command identifier.
+/// A ping with a fresh command identifier. Any thread.
 inline Commands::PingCommandParams Ping() {
-    return NewParams<Commands::PingCommandParams>();
+    static std::atomic<long> counter{0};
+    Commands::PingCommandParams params;
+    params.commandGuid = Plexis::Data::Guid("fault-test-ping-" + std::to_string(++counter));
+    return params;
 }
 
 /// Whether a ping sent on `client` is answered with a success for that very ping within `limit`.
