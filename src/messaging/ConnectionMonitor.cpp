@@ -32,7 +32,8 @@ ConnectionMonitor::ConnectionMonitor(std::vector<Link*> links, std::shared_ptr<I
       states(this->links.size()),
       listener(std::move(listener)),
       retryDue(this->links.size()),
-      everConnected(this->links.size(), false) {
+      everConnected(this->links.size(), false),
+      handshakeFailing(this->links.size(), false) {
     for (std::size_t link = 0; link < this->links.size(); ++link) {
         monitors.push_back(this->links[link]->TakeMonitor());
         states[link].store(ConnectionState::Connecting);
@@ -142,18 +143,22 @@ void ConnectionMonitor::ReadEvents(std::size_t link) {
         if (!event.more() || !monitors[link].recv(address, zmq::recv_flags::dontwait)) {
             continue;
         }
-        if (event.size() >= sizeof(std::uint16_t)) {
+        if (event.size() >= sizeof(std::uint16_t) + sizeof(std::uint32_t)) {
             std::uint16_t number = 0;
+            std::uint32_t value = 0;
             std::memcpy(&number, event.data(), sizeof number);
-            Apply(link, number);
+            std::memcpy(&value, static_cast<const char*>(event.data()) + sizeof number,
+                        sizeof value);
+            Apply(link, number, value);
         }
     }
 }
 
-void ConnectionMonitor::Apply(std::size_t link, int event) {
+void ConnectionMonitor::Apply(std::size_t link, int event, std::uint32_t value) {
     switch (event) {
         case ZMQ_EVENT_HANDSHAKE_SUCCEEDED:
             everConnected[link] = true;
+            handshakeFailing[link] = false;
             retryDue[link].reset();
             Report(link, ConnectionState::Connected);
             break;
@@ -162,10 +167,12 @@ void ConnectionMonitor::Apply(std::size_t link, int event) {
         case ZMQ_EVENT_CONNECT_RETRIED:
             retryDue[link].reset();  // the transport is trying
             break;
-        case ZMQ_EVENT_DISCONNECTED:
         case ZMQ_EVENT_HANDSHAKE_FAILED_NO_DETAIL:
         case ZMQ_EVENT_HANDSHAKE_FAILED_PROTOCOL:
         case ZMQ_EVENT_HANDSHAKE_FAILED_AUTH:
+            LogHandshakeFailure(link, event, value);
+            [[fallthrough]];
+        case ZMQ_EVENT_DISCONNECTED:
             retryDue[link] = Clock::now() + kRetryGrace;
             Report(link, everConnected[link] ? ConnectionState::Reconnecting
                                              : ConnectionState::Connecting);
@@ -173,6 +180,30 @@ void ConnectionMonitor::Apply(std::size_t link, int event) {
         default:
             break;
     }
+}
+
+void ConnectionMonitor::LogHandshakeFailure(std::size_t link, int event, std::uint32_t value) {
+    // A failed handshake (a wrong server key, a plain peer on an encrypted link) repeats with
+    // every retry, several times a second: say it once at level 50 until a handshake succeeds,
+    // and the repeats only at debug level.
+    const bool repeated = handshakeFailing[link];
+    handshakeFailing[link] = true;
+    LogComposed(
+        logger, repeated ? ILogger::Debug : ILogger::Error,
+        [&] {
+            const char* kind = event == ZMQ_EVENT_HANDSHAKE_FAILED_AUTH       ? "authentication"
+                               : event == ZMQ_EVENT_HANDSHAKE_FAILED_PROTOCOL ? "protocol error"
+                                                                              : "no detail";
+            return "LogHandshakeFailure: the handshake with " +
+                   links[link]->GetEndPoint().Address() + " failed (" + kind + ", " +
+                   std::to_string(value) + ")" +
+                   (repeated ? " again."
+                             : std::string("; nothing passes until it succeeds.") +
+                                   (links[link]->GetEndPoint().IsEncrypted()
+                                        ? " Check the server's public key."
+                                        : ""));
+        },
+        kSource, __LINE__);
 }
 
 void ConnectionMonitor::RecreateDroppedLinks() {

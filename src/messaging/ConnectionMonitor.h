@@ -3,6 +3,7 @@
 #include <atomic>
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -23,7 +24,9 @@ namespace Korvo::Common::Messaging::Detail {
 /// The thread that watches the links of one messenger or subscription: it reads each socket's
 /// monitor events (connection made, handshake done, link lost, retry scheduled; heartbeat
 /// time-outs show as a lost link), keeps one `ConnectionState` per link and reports each change
-/// to a listener. When the transport drops a link for good (a protocol fault, after which ZeroMQ
+/// to a listener. A failed handshake (which leaves the state as it was: the transport retries)
+/// is logged at level 50 once, and again only after a handshake has succeeded. When the transport
+/// drops a link for good (a protocol fault, after which ZeroMQ
 /// schedules no retry) it re-creates the link's socket.
 ///
 /// Lock order: `listenerMutex` before `stateMutex` (a listener may read the states); neither is
@@ -60,7 +63,8 @@ private:
     void Run();
     void Watch();
     void ReadEvents(std::size_t link);
-    void Apply(std::size_t link, int event);
+    void Apply(std::size_t link, int event, std::uint32_t value);
+    void LogHandshakeFailure(std::size_t link, int event, std::uint32_t value);
     void RecreateDroppedLinks();
     void Report(std::size_t link, ConnectionState state);
     void Tell(std::size_t link, ConnectionState state);
@@ -82,6 +86,7 @@ private:
     std::vector<zmq::socket_t> monitors;
     std::vector<std::optional<std::chrono::steady_clock::time_point>> retryDue;
     std::vector<bool> everConnected;
+    std::vector<bool> handshakeFailing;  // a failure was logged at level 50 since the last success
 
     std::thread thread;
 };

@@ -74,8 +74,9 @@ void RouterPeer::Reply(const std::string& identity, int ticket, const std::strin
     Send({identity, TicketBytes(ticket), header, payload});
 }
 
-PublisherPeer::PublisherPeer() : socket(context, zmq::socket_type::xpub) {
+PublisherPeer::PublisherPeer(int sendHighWaterMark) : socket(context, zmq::socket_type::xpub) {
     socket.set(zmq::sockopt::linger, 0);
+    socket.set(zmq::sockopt::sndhwm, sendHighWaterMark);
     socket.bind("tcp://127.0.0.1:*");
     address = socket.get(zmq::sockopt::last_endpoint);
 }

@@ -58,7 +58,9 @@ private:
 /// subscriptions arrive, so a test can wait for them instead of guessing.
 class PublisherPeer {
 public:
-    PublisherPeer();
+    /// `sendHighWaterMark` bounds what waits for a slow subscriber (ZeroMQ drops the rest); 0
+    /// queues without limit, so that nothing is lost on this side.
+    explicit PublisherPeer(int sendHighWaterMark = 1000);
 
     const std::string& Address() const { return address; }
 

@@ -33,7 +33,9 @@ struct TransportOptions {
     /// Largest frame accepted from a peer; a larger one drops the link, which is then re-created.
     std::int64_t maxMessageSize = 16 * 1024 * 1024;
 
-    /// Most commands queued towards the server, and most messages queued towards the application.
+    /// Most commands queued towards the server, and most messages queued towards the application
+    /// in ZeroMQ. A subscription also holds at most `receiveHighWaterMark` notifications in its
+    /// own queue for `Receive`, and drops (and counts) what arrives beyond that; 0 means no limit.
     int sendHighWaterMark = 1000;
     int receiveHighWaterMark = 100000;
 };

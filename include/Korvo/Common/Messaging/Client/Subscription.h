@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -18,8 +19,15 @@ namespace Korvo::Common::Messaging::Client {
 /// [topic][header][payload]; the server filters on the topic by prefix (docs/protocol.md).
 ///
 /// Threads: `Receive` from one thread at a time; everything else from any thread. The subscription
-/// runs one thread of its own, which watches the links and calls the handler. The destructor must
+/// runs two threads of its own: one watches the links and calls the handler, the other takes each
+/// notification off the sockets as it arrives and queues it for `Receive`. The destructor must
 /// not run while another thread is inside the subscription, nor on the handler.
+///
+/// Memory stays bounded when the application falls behind: at most
+/// `TransportOptions::receiveHighWaterMark` notifications wait for `Receive` (0: no limit). What
+/// arrives while that many wait is dropped, counted (`GetDroppedCount`) and logged (logger
+/// "Messaging", level 50: once when dropping starts, once with the count when `Receive` has made
+/// room again).
 class Subscription {
 public:
     /// One received notification.
@@ -61,8 +69,13 @@ public:
     /// Blocks until a notification arrives and returns it; notifications of one publisher come in
     /// the order published, and no endpoint is starved by a busier one. Malformed messages are
     /// dropped and logged (logger "Messaging", level 50). Throws `ObjectShutDownException` once
-    /// shut down, also when that happens during the wait; `TransportException` when a socket fails.
+    /// shut down, also when that happens during the wait; `TransportException` when a socket
+    /// failed and every notification received before has been returned.
     Event Receive();
+
+    /// How many notifications were received and dropped because the queue for `Receive` was full
+    /// (see the class comment). Only grows. Any thread; takes no lock.
+    std::uint64_t GetDroppedCount() const;
 
     /// True once `ShutDown` has run. Any thread; takes no lock.
     bool IsShutDown() const;

@@ -23,7 +23,9 @@ namespace Korvo::Plexis::Tessel::Client {
 /// `LockHandlers()` while changing them once notifications may be flowing. For each notification
 /// the thread calls, in order, every callback of the type's own list, then every callback of its
 /// family's list (with the type's enumerator), one notification at a time, in the order received; a
-/// slow callback delays every later one. A notification that cannot be decoded, or whose callback
+/// slow callback delays every later one. Meanwhile at most `TransportOptions::receiveHighWaterMark`
+/// notifications wait; what arrives beyond that is dropped, logged and counted
+/// (`GetSubscription().GetDroppedCount()`). A notification that cannot be decoded, or whose callback
 /// throws, is logged (logger "NotificationClient", level 50) and skipped; the next one is handled
 /// as usual. An unknown type name is logged and dropped.
 class NotificationClient : public NotificationHandlers {

@@ -1,0 +1,162 @@
+// Replies that come twice, late, for tickets nobody holds, or undecodable: each request ends
+// exactly once, with its own reply or a time-out, and the others never notice.
+
+#include <set>
+
+#include "faults/FaultSupport.h"
+#include "support/TextCommands.h"
+
+namespace Korvo::Testing {
+namespace {
+
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+using Plexis::Tessel::Simulator::Faults;
+
+SimulatorOptions Small(const Faults& faults = {}) {
+    SimulatorOptions options;
+    options.clips = 5;
+    options.faults = faults;
+    return options;
+}
+
+std::unique_ptr<CommandClient> ConnectedDataClient(const Simulator& server) {
+    auto client = DataClientTo(server.CommandEndpoint());
+    EXPECT_TRUE(AwaitConnected(*client));
+    return client;
+}
+
+TEST(ReplyFaultsTest, DuplicatedMalformedAndWithheldRepliesEndEachRequestOnceWithItsOwnReply) {
+    Faults faults;
+    faults.duplicateFraction = 0.3;
+    faults.malformedFraction = 0.2;
+    faults.dropFraction = 0.1;
+    faults.replyJitter = 20ms;
+    Simulator server(Small(faults));
+    auto client = ConnectedDataClient(server);
+
+    constexpr int kRequests = 300;
+    std::vector<Commands::PingCommandParams> params;
+    std::vector<std::unique_ptr<Pending>> handles;
+    for (int i = 0; i < kRequests; ++i) {
+        params.push_back(Ping());
+        handles.push_back(client->Request("PingCommand", params.back()));
+        ASSERT_NE(handles.back(), nullptr);
+    }
+    // Every reply that is sent arrives within a few milliseconds; the withheld ones all share one
+    // generous deadline.
+    const auto deadline = Clock::now() + 5s;
+    int answered = 0;
+    int undecodable = 0;
+    int timedOut = 0;
+    std::vector<int> silent;
+    for (int i = 0; i < kRequests; ++i) {
+        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
+            std::max(deadline - Clock::now(), Clock::duration::zero()));
+        auto item = handles[i]->Next(left);
+        if (item.kind == Kind::TimedOut) {
+            ++timedOut;
+            silent.push_back(i);
+            continue;
+        }
+        ASSERT_EQ(item.kind, Kind::Final);
+        EXPECT_FALSE(handles[i]->IsPending());
+        EXPECT_THROW(handles[i]->Next(0ms), std::logic_error);  // a duplicate never shows
+        try {
+            const auto reply = handles[i]->BuildReply(item);
+            EXPECT_EQ(reply->commandGuid, params[i].commandGuid) << "request " << i;
+            ++answered;
+        } catch (const std::invalid_argument&) {
+            ++undecodable;
+        }
+    }
+    const auto statistics = server.GetStatistics();
+    EXPECT_EQ(answered + undecodable + timedOut, kRequests);
+    EXPECT_EQ(static_cast<std::uint64_t>(timedOut), statistics.repliesDropped);
+    EXPECT_GT(undecodable, 0);
+    EXPECT_GT(statistics.repliesSent, static_cast<std::uint64_t>(answered + undecodable));
+    // No duplicate of another ticket lands on a request whose reply was withheld.
+    for (int i : silent) {
+        EXPECT_EQ(handles[i]->Next(0ms).kind, Kind::TimedOut);
+    }
+
+    server.SetFaults({});
+    EXPECT_TRUE(PingAnswered(*client));
+}
+
+TEST(ReplyFaultsTest, ALateReplyStillEndsATimedOutRequestAndIsDroppedOnceItsHandleIsGone) {
+    Faults faults;
+    faults.replyDelay = 300ms;
+    Simulator server(Small(faults));
+    auto client = ConnectedDataClient(server);
+
+    const auto keptParams = Ping();
+    auto kept = client->Request("PingCommand", keptParams);
+    auto abandoned = client->Request("PingCommand", Ping());
+    ASSERT_NE(kept, nullptr);
+    ASSERT_NE(abandoned, nullptr);
+    EXPECT_EQ(kept->Next(10ms).kind, Kind::TimedOut);
+    EXPECT_EQ(abandoned->Next(10ms).kind, Kind::TimedOut);
+    abandoned.reset();
+    // Sent after the abandoned one, so answered after it: once this reply is in, the abandoned
+    // reply has been handled.
+    const auto afterParams = Ping();
+    auto after = client->Request("PingCommand", afterParams);
+    ASSERT_NE(after, nullptr);
+
+    auto keptItem = kept->Next(kPatience);
+    ASSERT_EQ(keptItem.kind, Kind::Final);
+    EXPECT_EQ(kept->BuildReply(keptItem)->commandGuid, keptParams.commandGuid);
+    auto afterItem = after->Next(kPatience);
+    ASSERT_EQ(afterItem.kind, Kind::Final);
+    EXPECT_EQ(after->BuildReply(afterItem)->commandGuid, afterParams.commandGuid);
+    // The abandoned request's reply was sent too (the server counts a reply just after sending it).
+    EXPECT_TRUE(Eventually([&] { return server.GetStatistics().repliesSent == 3u; }));
+}
+
+TEST(ReplyFaultsTest, RepliesForUnknownTicketsAndAfterTheFinalOneAreDropped) {
+    RouterPeer server;
+    StateLog states;
+    auto client = std::make_unique<CommandClient>(
+        std::make_unique<Common::Messaging::Client::Messenger>(
+            Common::Messaging::EndPoint(server.Address()), QuickOptions(),
+            [&](ConnectionState state) { states.Record(state); }),
+        std::make_shared<TextPayloadBuilder>(), std::make_shared<TextReplyBuilder>());
+    ASSERT_TRUE(states.WaitFor(ConnectionState::Connected));
+    auto text = [](const Pending& pending, const Pending::Item& item) {
+        return static_cast<const TextReply&>(*pending.BuildReply(item)).text;
+    };
+
+    auto first = client->Request("Ping", TextParams("first"));
+    ASSERT_NE(first, nullptr);
+    const auto command = server.Receive();
+    ASSERT_TRUE(command);
+    const std::string& identity = (*command)[0];
+    const int ticket = TicketOf((*command)[1]);
+    server.Reply(identity, ticket + 1000, "Pong", "never asked");
+    server.Reply(identity, -5, "[part]Pong", "never asked either");
+    server.Reply(identity, ticket, "[part]Pong", "part");
+    server.Reply(identity, ticket, "Pong", "final");
+    server.Reply(identity, ticket, "Pong", "duplicate");
+    server.Reply(identity, ticket, "[part]Pong", "part after the final");
+
+    auto second = client->Request("Ping", TextParams("second"));
+    ASSERT_NE(second, nullptr);
+    const auto secondCommand = server.Receive();
+    ASSERT_TRUE(secondCommand);
+    server.Reply(identity, TicketOf((*secondCommand)[1]), "Pong", "second");
+
+    auto item = first->Next(kPatience);
+    ASSERT_EQ(item.kind, Kind::Partial);
+    EXPECT_EQ(text(*first, item), "part");
+    item = first->Next(kPatience);
+    ASSERT_EQ(item.kind, Kind::Final);
+    EXPECT_EQ(text(*first, item), "final");
+    EXPECT_THROW(first->Next(0ms), std::logic_error);
+    item = second->Next(kPatience);
+    ASSERT_EQ(item.kind, Kind::Final);
+    EXPECT_EQ(text(*second, item), "second");
+}
+
+}  // namespace
+}  // namespace Korvo::Testing
