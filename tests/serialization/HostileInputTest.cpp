@@ -124,7 +124,6 @@ void operator delete[](void* block, std::align_val_t, const std::nothrow_t&) noe
 namespace Korvo::Testing {
 namespace {
 
-using apache::thrift::protocol::TList;
 using apache::thrift::protocol::TProtocolException;
 using apache::thrift::transport::TMemoryBuffer;
 using Common::Serialization::Buffer;
@@ -135,7 +134,8 @@ using Common::Serialization::Thrift::PermissiveMemoryBuffer;
 namespace Wire = Plexis::Tessel::Serialization::Thrift::Commands::Generated;
 using namespace std::string_literals;
 
-// No hostile frame may cost more than this in one allocation; the largest is 100,000 bytes.
+// No hostile frame may cost more than this in one allocation: far below what they claim, and
+// below the largest frame itself (100,000 bytes).
 constexpr std::size_t kAllocationBound = 4096;
 
 // A heap block of exactly the bytes' size.
