@@ -374,6 +374,18 @@ OperationStatus Model::ApplyBoundaries(PlayerEntry& player, const LoadBoundary& 
     return Outcome::kOk;
 }
 
+OperationStatus Model::Rebound(PlayerEntry& player, const LoadBoundary& in,
+                               const LoadBoundary& out) {
+    PlayerEntry bounded = player;
+    Anchor(bounded, Now());
+    if (const auto status = ApplyBoundaries(bounded, in, out); status != Outcome::kOk) {
+        return status;
+    }
+    bounded.anchorPosition = std::clamp(bounded.anchorPosition, bounded.inPoint, bounded.outPoint);
+    player = bounded;
+    return Outcome::kOk;
+}
+
 OperationStatus Model::LoadMaterial(PlayerEntry& player, const std::string& materialId,
                                     std::int64_t cue, const LoadBoundary& in,
                                     const LoadBoundary& out) {
@@ -668,13 +680,10 @@ void Model::Handle(const Commands::SyncCommandParams& params) {
         const bool bounded = params.inBoundary != LoadBoundary{} ||
                              params.outBoundary != LoadBoundary{};
         if (bounded) {
-            Anchor(synced, Now());
-            if (const auto status = ApplyBoundaries(synced, params.inBoundary, params.outBoundary);
+            if (const auto status = Rebound(synced, params.inBoundary, params.outBoundary);
                 status != Outcome::kOk) {
                 return status;
             }
-            synced.anchorPosition =
-                std::clamp(synced.anchorPosition, synced.inPoint, synced.outPoint);
         }
         player = synced;
         return Outcome::kOk;
@@ -709,17 +718,7 @@ void Model::Handle(const Commands::SetLoadBoundariesCommandParams& params) {
                       if (!Loaded(player)) {
                           return Outcome::kNotLoaded;
                       }
-                      Anchor(player, Now());
-                      PlayerEntry bounded = player;
-                      if (const auto status =
-                              ApplyBoundaries(bounded, bounds.inBoundary, bounds.outBoundary);
-                          status != Outcome::kOk) {
-                          return status;
-                      }
-                      bounded.anchorPosition =
-                          std::clamp(bounded.anchorPosition, bounded.inPoint, bounded.outPoint);
-                      player = bounded;
-                      return Outcome::kOk;
+                      return Rebound(player, bounds.inBoundary, bounds.outBoundary);
                   });
 }
 

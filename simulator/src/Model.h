@@ -151,6 +151,9 @@ private:
     Data::OperationStatus ApplyBoundaries(PlayerEntry& player,
                                           const Data::Channels::LoadBoundary& in,
                                           const Data::Channels::LoadBoundary& out);
+    // New boundaries for what is loaded, keeping the position inside them; unchanged on failure.
+    Data::OperationStatus Rebound(PlayerEntry& player, const Data::Channels::LoadBoundary& in,
+                                  const Data::Channels::LoadBoundary& out);
     static bool Loaded(const PlayerEntry& player) {
         return player.material == ClipMaterial || player.material == SequenceMaterial;
     }
