@@ -5,6 +5,7 @@
 // notification lands in an inbox that tests wait on.
 
 #include <any>
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <functional>
@@ -124,7 +125,7 @@ bool Eventually(Condition condition) {
 /// Parameters of class `P` with a fresh command identifier.
 template <class P>
 P NewParams() {
-    static int counter = 0;
+    static std::atomic<int> counter{0};  // tests may build parameters on several threads
     P params;
     params.commandGuid = Plexis::Data::Guid("test-command-" + std::to_string(++counter));
     return params;
