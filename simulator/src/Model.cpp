@@ -374,6 +374,18 @@ OperationStatus Model::ApplyBoundaries(PlayerEntry& player, const LoadBoundary& 
     return Outcome::kOk;
 }
 
+OperationStatus Model::Move(PlayerEntry& player, std::int32_t speedNum, std::int32_t speedDen,
+                            PlayMode moving) {
+    if (!Loaded(player)) {
+        return Outcome::kNotLoaded;
+    }
+    Anchor(player, Now());
+    player.speedNum = speedNum;
+    player.speedDen = speedDen;
+    player.mode = speedNum == 0 ? Cued : moving;
+    return Outcome::kOk;
+}
+
 OperationStatus Model::Rebound(PlayerEntry& player, const LoadBoundary& in,
                                const LoadBoundary& out) {
     PlayerEntry bounded = player;
@@ -584,14 +596,7 @@ void Model::Handle(const Commands::PlayCommandParams& params) {
         if (params.speedDen == 0) {
             return Outcome::kInvalidArgument;
         }
-        if (!Loaded(player)) {
-            return Outcome::kNotLoaded;
-        }
-        Anchor(player, Now());
-        player.speedNum = params.speedNum;
-        player.speedDen = params.speedDen;
-        player.mode = params.speedNum == 0 ? Cued : Playing;
-        return Outcome::kOk;
+        return Move(player, params.speedNum, params.speedDen, Playing);
     });
 }
 
@@ -636,15 +641,8 @@ void Model::Handle(const Commands::ChainCommandParams& params) {
 
 void Model::Handle(const Commands::DialCommandParams& params) {
     ForEachPlayer(params.commandGuid, params.players, [&](PlayerEntry& player, const ChannelId&) {
-        if (!Loaded(player)) {
-            return Outcome::kNotLoaded;
-        }
         // The velocity is in hundredths of normal speed, backwards when negative.
-        Anchor(player, Now());
-        player.mode = params.velocity == 0 ? Cued : Dialing;
-        player.speedNum = params.velocity;
-        player.speedDen = 100;
-        return Outcome::kOk;
+        return Move(player, params.velocity, 100, Dialing);
     });
 }
 

@@ -151,6 +151,9 @@ private:
     Data::OperationStatus ApplyBoundaries(PlayerEntry& player,
                                           const Data::Channels::LoadBoundary& in,
                                           const Data::Channels::LoadBoundary& out);
+    // Sets a loaded player moving at speedNum/speedDen in mode `moving` (cued at speed 0).
+    Data::OperationStatus Move(PlayerEntry& player, std::int32_t speedNum, std::int32_t speedDen,
+                               PlayMode moving);
     // New boundaries for what is loaded, keeping the position inside them; unchanged on failure.
     Data::OperationStatus Rebound(PlayerEntry& player, const Data::Channels::LoadBoundary& in,
                                   const Data::Channels::LoadBoundary& out);
