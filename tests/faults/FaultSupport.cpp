@@ -1,5 +1,11 @@
 #include "faults/FaultSupport.h"
 
+#include <unistd.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <sstream>
 #include <thread>
 
 namespace Korvo::Testing {
@@ -57,6 +63,65 @@ int CountLogged(const RecordingLogger& log, const std::string& text) {
         count += record.find(text) != std::string::npos ? 1 : 0;
     }
     return count;
+}
+
+}  // namespace Korvo::Testing
+
+namespace Korvo::Testing {
+
+namespace {
+
+std::string ProcPath(int pid, const char* leaf) {
+    return "/proc/" + (pid == 0 ? std::string("self") : std::to_string(pid)) + "/" + leaf;
+}
+
+// The value after `key` in /proc/<pid>/status, or -1.
+long long StatusField(int pid, const std::string& key) {
+    std::ifstream status(ProcPath(pid, "status"));
+    std::string line;
+    while (std::getline(status, line)) {
+        if (line.compare(0, key.size(), key) == 0) {
+            return std::atoll(line.c_str() + key.size());
+        }
+    }
+    return -1;
+}
+
+}  // namespace
+
+std::chrono::milliseconds AttackDuration() {
+    const char* text = std::getenv("KORVO_ATTACK_SECONDS");
+    const long seconds = text != nullptr ? std::atol(text) : 0;
+    return std::chrono::seconds(seconds > 0 ? seconds : 2);
+}
+
+long long ResidentBytes(int pid) {
+    const auto kib = StatusField(pid, "VmRSS:");
+    return kib < 0 ? 0 : kib * 1024;
+}
+
+int ThreadCount(int pid) {
+    return static_cast<int>(StatusField(pid, "Threads:"));
+}
+
+std::chrono::milliseconds CpuTime(int pid) {
+    // /proc/<pid>/stat: fields 14 and 15 (utime, stime) in clock ticks, after the command name,
+    // which is in parentheses and may itself contain spaces.
+    std::ifstream stat(ProcPath(pid, "stat"));
+    std::string text((std::istreambuf_iterator<char>(stat)), std::istreambuf_iterator<char>());
+    const auto close = text.rfind(')');
+    if (close == std::string::npos) {
+        return std::chrono::milliseconds(0);
+    }
+    std::istringstream fields(text.substr(close + 2));
+    std::string field;
+    long long ticks = 0;
+    for (int index = 3; index <= 15 && fields >> field; ++index) {
+        if (index == 14 || index == 15) {
+            ticks += std::atoll(field.c_str());
+        }
+    }
+    return std::chrono::milliseconds(ticks * 1000 / sysconf(_SC_CLK_TCK));
 }
 
 }  // namespace Korvo::Testing

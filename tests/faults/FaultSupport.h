@@ -59,3 +59,23 @@ bool Eventually(const std::function<bool()>& condition,
 int CountLogged(const RecordingLogger& log, const std::string& text);
 
 }  // namespace Korvo::Testing
+
+namespace Korvo::Testing {
+
+/// How long each hostile peer of the attack tests keeps going: KORVO_ATTACK_SECONDS when set
+/// (scripts/soak.sh sets 60), otherwise 2 seconds, which is what CI runs.
+std::chrono::milliseconds AttackDuration();
+
+/// The resident set of process `pid` (0: this process) in bytes, from /proc; 0 when unreadable.
+long long ResidentBytes(int pid = 0);
+
+/// The CPU time (user + system) process `pid` (0: this process) has used so far, from /proc.
+std::chrono::milliseconds CpuTime(int pid = 0);
+
+/// The number of threads of process `pid` (0: this process), from /proc.
+int ThreadCount(int pid = 0);
+
+/// The hard cap on resident memory that an attacked process must stay under: 256 MiB.
+inline constexpr long long kResidentCap = 256LL << 20;
+
+}  // namespace Korvo::Testing
