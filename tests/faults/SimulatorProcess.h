@@ -42,8 +42,14 @@ public:
     void Freeze();
     void Resume();
 
-private:
+    /// Sends signal `number` to it (SIGHUP restarts it; SIGUSR1 and SIGUSR2 take server 1 off
+    /// the network and back). Any thread.
     void Signal(int number);
+
+    /// Its process identifier, for reading its resources from /proc.
+    pid_t Pid() const { return pid; }
+
+private:
     void AwaitChange(int options);
 
     pid_t pid = -1;

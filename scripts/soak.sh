@@ -1,0 +1,16 @@
+#!/usr/bin/env bash
+# The long form of the attack tests: every hostile peer runs for SECONDS (default 60) instead of
+# the 2 seconds CI gives them, and the soak test (every fault at once against one tessel-sim
+# process) prints the peak resident memory and thread counts it sampled.
+#
+#   scripts/soak.sh [SECONDS] [PRESET]     PRESET: default (the default), asan or tsan
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+
+seconds=${1:-60}
+preset=${2:-default}
+cmake --preset "$preset" >/dev/null
+cmake --build --preset "$preset" -j "$(nproc)" --target faults_tests tessel-sim tessel
+KORVO_ATTACK_SECONDS=$seconds "build/$preset/tests/faults_tests" \
+    --gtest_filter='Soak*:Hostile*:*Attack*' 2>&1 | tee "build/$preset/soak.log"
+grep -h '^soak:\|^attack:' "build/$preset/soak.log" || true
