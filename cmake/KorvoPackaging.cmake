@@ -36,6 +36,26 @@ install(FILES
     DESTINATION ${KORVO_CMAKE_INSTALL_DIR}
     COMPONENT development)
 
+# `cmake --install --strip` (and so the packages) strips programs and shared libraries; static
+# libraries keep their debug information unless told, which would make the development package
+# ten times its size.
+set(korvo_installed_archives)
+if(TARGET korvo_simulator_library)
+    list(APPEND korvo_installed_archives korvo_simulator_library)
+endif()
+if(NOT BUILD_SHARED_LIBS)
+    list(APPEND korvo_installed_archives korvo_tessel_client)
+endif()
+foreach(archive IN LISTS korvo_installed_archives)
+    install(CODE "
+        if(CMAKE_INSTALL_DO_STRIP)
+            execute_process(COMMAND \"${CMAKE_STRIP}\" --strip-debug
+                \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_LIBDIR}/$<TARGET_FILE_NAME:${archive}>\"
+                COMMAND_ERROR_IS_FATAL ANY)
+        endif()"
+        COMPONENT development)
+endforeach()
+
 # The pkg-config file finds its prefix from its own place, so the installed tree may move.
 file(RELATIVE_PATH KORVO_PC_PREFIX_FROM_PCFILEDIR
     "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
@@ -70,6 +90,9 @@ set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 # Depends on Debian's own libraries come from dpkg-shlibdeps; the packages of this project depend
 # on each other at the exact version.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+# The tools need the client library, which no installed package holds yet: dpkg-shlibdeps finds it
+# in the build tree and leaves that dependency to the component's own (exact version).
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}/src)
 set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS ON)
 set(CPACK_COMPONENT_DEVELOPMENT_DEPENDS runtime)
 set(CPACK_COMPONENT_TOOLS_DEPENDS runtime)
