@@ -107,6 +107,8 @@ set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
 
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libkorvo-tessel-client-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
+# Headers and a static library: nothing for dpkg-shlibdeps, which would only look at every file.
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SHLIBDEPS OFF)
 # What the headers and the CMake package need: Thrift's headers (the public headers include them),
 # ZeroMQ (the simulator library links it) and pkg-config (the CMake package finds both with it).
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS

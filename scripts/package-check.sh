@@ -54,6 +54,10 @@ mount -t devpts devpts "$root/dev/pts"
 
 mkdir -p "$root/tmp/check/debs"
 cp "${debs[@]}" "$root/tmp/check/debs/"
+root_debs=()
+for deb in "${debs[@]}"; do
+    root_debs+=("/tmp/check/debs/$(basename "$deb")")
+done
 cp -r tests/package "$root/tmp/check/package"
 
 in_root() {
@@ -64,7 +68,7 @@ in_root() {
 echo "=== the packages, installed with apt"
 in_root apt-get update -q >/dev/null
 # The packages and their Depends; a compiler, CMake and make for the consumer.
-in_root apt-get install -y -q --no-install-recommends /tmp/check/debs/*.deb g++ cmake make \
+in_root apt-get install -y -q --no-install-recommends "${root_debs[@]}" g++ cmake make \
     >"$work/apt.log"
 
 echo "=== installed sizes"
