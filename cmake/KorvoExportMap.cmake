@@ -17,22 +17,17 @@ set(internal_namespaces
     "Korvo::Plexis::Tessel::Json::Detail::"
     "Korvo::Plexis::Tessel::Serialization::Thrift::Mapping::")
 
-set(mangled)
-foreach(object IN LISTS OBJECTS)
-    execute_process(
-        COMMAND ${NM} --defined-only --extern-only --format=posix ${object}
-        OUTPUT_VARIABLE listing
-        COMMAND_ERROR_IS_FATAL ANY)
-    string(REGEX MATCHALL "[^\n]+" lines "${listing}")
-    foreach(line IN LISTS lines)
-        # "<name> <type> <value> <size>"; undefined and local symbols are already left out.
-        if(line MATCHES "^([^ ]+) [TDBRVWuGS]")
-            list(APPEND mangled ${CMAKE_MATCH_1})
-        endif()
-    endforeach()
-endforeach()
+# One nm over every object. Only names that mention the Korvo namespace are candidates (a mangled
+# name holds it as "5Korvo"); this leaves out the bulk of a build without optimisation, the
+# standard library's instances, before the slower checks below.
+execute_process(
+    COMMAND ${NM} --defined-only --extern-only --format=posix ${OBJECTS}
+    OUTPUT_VARIABLE listing
+    COMMAND_ERROR_IS_FATAL ANY)
+# "<name> <type> <value> <size>" per symbol; undefined and local symbols are already left out.
+string(REGEX MATCHALL "[^\n ]*5Korvo[^\n ]* [TDBRVWuGS]" mangled "${listing}")
+list(TRANSFORM mangled REPLACE " .$" "")
 list(REMOVE_DUPLICATES mangled)
-list(SORT mangled)
 
 string(REPLACE ";" "\n" names "${mangled}")
 file(WRITE ${OUTPUT}.names "${names}\n")
@@ -49,10 +44,7 @@ if(NOT count EQUAL demangled_count)
 endif()
 
 set(exported)
-set(index 0)
-foreach(name IN LISTS demangled)
-    list(GET mangled ${index} symbol)
-    math(EXPR index "${index} + 1")
+foreach(symbol name IN ZIP_LISTS mangled demangled)
     # Type information, tables and thunks name the class they belong to after a prefix.
     string(REGEX REPLACE "^(typeinfo name for|typeinfo for|vtable for|VTT for|construction vtable for|guard variable for|virtual thunk to|non-virtual thunk to|covariant return thunk to) " "" entity "${name}")
     # A function template's instance starts with its return type: "void Korvo::...<T>(...)".
@@ -73,6 +65,7 @@ foreach(name IN LISTS demangled)
     endif()
 endforeach()
 
+list(SORT exported)
 list(LENGTH exported exported_count)
 string(REPLACE ";" ";\n    " exported "${exported}")
 set(content "/* Generated from the library's objects: ${exported_count} symbols exported. */\n")
