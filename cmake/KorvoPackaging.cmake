@@ -109,10 +109,11 @@ set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libkorvo-tessel-client-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 # Headers and a static library: nothing for dpkg-shlibdeps, which would only look at every file.
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SHLIBDEPS OFF)
-# What the headers and the CMake package need: Thrift's headers (the public headers include them),
+# What the headers and the CMake package need: Thrift's headers (the public headers include them)
+# and the Boost headers that Thrift's own include, which Debian's libthrift-dev does not bring,
 # ZeroMQ (the simulator library links it) and pkg-config (the CMake package finds both with it).
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
-    "libthrift-dev (>= 0.17), libzmq3-dev (>= 4.3), pkgconf | pkg-config")
+    "libthrift-dev (>= 0.17), libboost-dev, libzmq3-dev (>= 4.3), pkgconf | pkg-config")
 set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION
     "Client library of the Tessel replay server: development files\n Headers, the CMake package KorvoTesselClient, the pkg-config file korvo-tessel-client and\n the simulator library Korvo::Simulator for tests.")
 

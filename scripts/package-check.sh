@@ -78,7 +78,7 @@ for deb in "${debs[@]}"; do
     printf '%-32s %10d bytes installed\n' "$package" "$bytes"
 done
 printf '%-32s %10d exported symbols\n' "libKorvo.Plexis.Tessel.Client" \
-    "$(in_root sh -c 'nm -D --defined-only /usr/lib/*/libKorvo.Plexis.Tessel.Client.so.* | wc -l')"
+    "$(in_root sh -c 'nm -D --defined-only /usr/lib/*/libKorvo.Plexis.Tessel.Client.so.*.*.* | wc -l')"
 
 echo "=== a consumer against the installed packages"
 in_root /tmp/check/package/consume.sh /tmp/check/scratch
