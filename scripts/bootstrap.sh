@@ -3,7 +3,9 @@
 #
 #   scripts/bootstrap.sh demo   build the default preset and run the demo (tessel demo)
 #   scripts/bootstrap.sh test   build the default, asan and tsan presets and run every test in each,
-#                               then build the fuzzers (fuzz preset) and run each one briefly
+#                               then build the fuzzers (fuzz preset) and run each one briefly, and
+#                               build the Debian packages
+#   scripts/bootstrap.sh package  build the Debian packages into build/package/ (package preset)
 #
 # Only the Debian packages that are missing are installed, after one `apt-get update`; as a
 # non-root user the script uses sudo for that step.
@@ -18,6 +20,7 @@ packages=(
     libgtest-dev libgmock-dev libbenchmark-dev
     libcli11-dev nlohmann-json3-dev
     clang libclang-rt-14-dev
+    dpkg-dev file
 )
 
 install_missing() {
@@ -40,6 +43,13 @@ install_missing() {
         apt-get install -y --no-install-recommends "${missing[@]}"
 }
 
+# The runtime library, development and tools packages (CPack, DEB generator).
+packages_build() {
+    build package
+    cmake --build --preset package --target package
+    ls -l build/package/*.deb
+}
+
 build() {
     local preset=$1
     cmake --preset "$preset"
@@ -59,9 +69,15 @@ case "${1:-}" in
             build "$preset"
             ctest --preset "$preset"
         done
+        echo "=== package ==="
+        packages_build
+        ;;
+    package)
+        install_missing
+        packages_build
         ;;
     *)
-        echo "usage: $0 demo|test" >&2
+        echo "usage: $0 demo|test|package" >&2
         exit 2
         ;;
 esac
