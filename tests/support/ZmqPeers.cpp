@@ -44,6 +44,7 @@ void SendFrames(zmq::socket_t& socket, const Frames& frames) {
 RouterPeer::RouterPeer(const std::string& bindAddress, const std::string& curveSecretKey)
     : socket(context, zmq::socket_type::router) {
     socket.set(zmq::sockopt::linger, 0);
+    socket.set(zmq::sockopt::ipv6, bindAddress.find('[') != std::string::npos);
     if (!curveSecretKey.empty()) {
         socket.set(zmq::sockopt::curve_server, true);
         socket.set(zmq::sockopt::curve_secretkey, curveSecretKey);
