@@ -75,6 +75,18 @@ void RouterPeer::Reply(const std::string& identity, int ticket, const std::strin
     Send({identity, TicketBytes(ticket), header, payload});
 }
 
+long RouterPeer::Flood(const Frames& frames, std::chrono::milliseconds duration,
+                       const std::atomic<bool>& stop) {
+    const auto end = std::chrono::steady_clock::now() + duration;
+    long sent = 0;
+    while (!stop.load() && std::chrono::steady_clock::now() < end) {
+        for (int burst = 0; burst < 64; ++burst, ++sent) {
+            SendFrames(socket, frames);
+        }
+    }
+    return sent;
+}
+
 PublisherPeer::PublisherPeer(int sendHighWaterMark) : socket(context, zmq::socket_type::xpub) {
     socket.set(zmq::sockopt::linger, 0);
     socket.set(zmq::sockopt::sndhwm, sendHighWaterMark);
