@@ -240,6 +240,7 @@ void CommandClient::Deliver(std::unique_ptr<BaseMessage> message) {
     const std::optional<std::string> carried = Detail::CarriedCommandGuid(*message);
     const std::size_t charge = ReplyQueue::Charge(*message);
     std::shared_ptr<ReplyQueue> replies;
+    bool misaddressed = false;
     bool overflowed = false;
     {
         std::lock_guard<std::recursive_mutex> lock(requestMap->mutex);
@@ -249,9 +250,8 @@ void CommandClient::Deliver(std::unique_ptr<BaseMessage> message) {
             droppedUnanswerable.fetch_add(1);
             return;
         }
-        if (carried && *carried != found->second->CommandGuid()) {
-            replies = found->second;  // only for the log line
-        } else {
+        misaddressed = carried && *carried != found->second->CommandGuid();
+        if (!misaddressed) {
             const std::size_t waiting = found->second->waitingBytes.load();
             overflowed = waiting > 0 && waiting + charge > limits.waitingReplyBytes;
             if (!partial || overflowed) {
@@ -263,7 +263,8 @@ void CommandClient::Deliver(std::unique_ptr<BaseMessage> message) {
             }
         }
     }
-    if (carried && *carried != replies->CommandGuid()) {
+    if (misaddressed) {
+        // The request keeps waiting: its own reply may still come.
         droppedMisaddressed.fetch_add(1);
         static RateLimit limit;
         if (const auto admitted = limit.Admit()) {
