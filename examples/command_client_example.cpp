@@ -144,7 +144,8 @@ int main() {
     using Kind = Client::PendingCommandReply::ItemKind;
     while (pending->IsPending()) {
         auto item = pending->Next(std::chrono::seconds(5));
-        if (item.kind == Kind::TimedOut || item.kind == Kind::Cancelled) {
+        if (item.kind != Kind::Partial && item.kind != Kind::Final) {
+            // Timed out, cancelled, not sent, link lost or overflowed: no reply will come.
             std::cerr << "no reply\n";
             return EXIT_FAILURE;
         }

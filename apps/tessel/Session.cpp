@@ -152,6 +152,22 @@ Replies Session::Call(const std::string& commandName, const CommandParams& param
             throw CliError(ExitCode::BadReply,
                            commandName + ": the link failed while waiting for the reply");
         }
+        if (item.kind == Kind::NotSent) {
+            throw CliError(ExitCode::BadReply,
+                           commandName + ": not sent: the link to " +
+                               settings.CommandEndPoint().Address() +
+                               " is down; the command did not run and may be sent again");
+        }
+        if (item.kind == Kind::LinkLost) {
+            throw CliError(ExitCode::BadReply,
+                           commandName + ": the link to " + settings.CommandEndPoint().Address() +
+                               " was lost before the reply; the command may have run");
+        }
+        if (item.kind == Kind::Overflowed) {
+            throw CliError(ExitCode::BadReply,
+                           commandName + ": the replies outgrew the client's budget and were "
+                                         "dropped; the command may have run");
+        }
         try {
             replies.push_back(pending->BuildReply(item));
         } catch (const std::exception& error) {

@@ -9,7 +9,9 @@
 #include <Korvo/Common/Messaging/TransportException.h>
 #include <Korvo/Plexis/Tessel/Logging/Loggers.h>
 
+#include "client/ReplyIdentity.h"
 #include "logging/LogSupport.h"
+#include "logging/RateLimit.h"
 
 namespace Korvo::Plexis::Tessel::Client {
 namespace {
@@ -19,6 +21,8 @@ using Common::Messaging::TransportException;
 using Logging::ILogger;
 using Logging::Log;
 using Logging::LogComposed;
+using Logging::RateLimit;
+using Logging::Suppressed;
 
 constexpr const char* kSource = "Korvo/Plexis/Tessel/Client/CommandClient";
 
@@ -75,11 +79,20 @@ void SleepAfterEmptyReceive(std::chrono::steady_clock::time_point receiveStarted
 CommandClient::CommandClient(std::unique_ptr<BaseClientMessenger> messenger,
                              std::shared_ptr<CommandParamsPayloadBuilder> payloadBuilder,
                              std::shared_ptr<CommandReplyBuilder> replyBuilder)
+    : CommandClient(std::move(messenger), std::move(payloadBuilder), std::move(replyBuilder),
+                    Limits{}) {}
+
+CommandClient::CommandClient(std::unique_ptr<BaseClientMessenger> messenger,
+                             std::shared_ptr<CommandParamsPayloadBuilder> payloadBuilder,
+                             std::shared_ptr<CommandReplyBuilder> replyBuilder,
+                             const Limits& limits)
     : messenger(std::move(messenger)),
       payloadBuilder(std::move(payloadBuilder)),
       replyBuilder(std::move(replyBuilder)),
       logger(Logging::Loggers::GetInstance().GetLogger("CommandClient")),
-      requestMap(std::make_shared<RequestMap>()) {
+      requestMap(std::make_shared<RequestMap>()),
+      limits(limits) {
+    linkLossesSeen = this->messenger->GetLinkLosses();
     StartReceptionThread();
     Log(logger, ILogger::Info, "Started.", kSource, __LINE__);
 }
@@ -123,37 +136,62 @@ std::unique_ptr<PendingCommandReply> CommandClient::Request(
         return nullptr;
     }
 
-    auto replies = std::make_shared<RequestMap::ReplyQueue>();
-    const int requestId = requestMap->Register(replies);
-
+    auto replies = std::make_shared<ReplyQueue>(params.commandGuid.GetValue(),
+                                                messenger->GetLinkLosses());
+    int requestId = 0;
+    // Registered and sent within one admission: Pause(true) and Stop wait for it, so no command
+    // goes out once they have returned, and every registered request is theirs to cancel.
+    if (!requestMap->BeginSend(replies, requestId)) {
+        return nullptr;
+    }
+    bool sent = false;
     std::string failure;
     try {
-        messenger->Send(requestId, commandName, *payload);
-        return std::make_unique<PendingCommandReply>(replyBuilder, requestMap, requestId,
-                                                     std::move(replies));
+        sent = messenger->TrySend(requestId, commandName, *payload);
     } catch (const std::exception&) {
         failure = DescribeMessengerFailure("Request");
     } catch (...) {
         requestMap->Forget(requestId, replies);
+        requestMap->EndSend();
         throw;
     }
-    Log(logger, ILogger::Fatal, failure.c_str(), kSource, __LINE__);
-    Stop();
-    return nullptr;
+    if (!failure.empty()) {
+        requestMap->Forget(requestId, replies);
+        requestMap->EndSend();
+        Log(logger, ILogger::Fatal, failure.c_str(), kSource, __LINE__);
+        Stop();
+        return nullptr;
+    }
+    if (!sent) {
+        requestMap->Forget(requestId, replies);
+        replies->End(ReplyQueue::Ending::NotSent);
+    }
+    requestMap->EndSend();
+    return std::make_unique<PendingCommandReply>(replyBuilder, requestMap, requestId,
+                                                 std::move(replies));
 }
 
 void CommandClient::ProcessReception() {
     receptionOwner = this;
+    // Under a stream of replies that never pauses, lost links are still looked for this often.
+    constexpr std::chrono::milliseconds kLossCheckInterval{100};
+    auto lossCheck = std::chrono::steady_clock::now();
     std::string failure;
     try {
         while (requestMap && requestMap->active.load()) {
             const auto receiveStarted = std::chrono::steady_clock::now();
             std::unique_ptr<BaseMessage> message = messenger->Receive();
             if (!message || !message->IsValid()) {
+                // Whatever the lost link carried has been taken by now.
+                EndRequestsOfLostLinks();
                 SleepAfterEmptyReceive(receiveStarted);
                 continue;
             }
             Deliver(std::move(message));
+            if (std::chrono::steady_clock::now() - lossCheck >= kLossCheckInterval) {
+                lossCheck = std::chrono::steady_clock::now();
+                EndRequestsOfLostLinks();
+            }
         }
     } catch (const ObjectShutDownException&) {
         // Stop shuts the messenger down while this thread may be inside Receive; only a shut-down
@@ -172,32 +210,98 @@ void CommandClient::ProcessReception() {
     receptionOwner = nullptr;
 }
 
+void CommandClient::EndRequestsOfLostLinks() {
+    const std::uint64_t losses = messenger->GetLinkLosses();
+    if (losses == linkLossesSeen) {
+        return;
+    }
+    linkLossesSeen = losses;
+    const std::size_t ended = requestMap->EndSentBefore(losses);
+    static RateLimit limit;
+    if (ended == 0) {
+        return;
+    }
+    if (const auto admitted = limit.Admit()) {
+        LogComposed(
+            logger, ILogger::Warning,
+            [&] {
+                return "ProcessReception: the link to the server was lost; " +
+                       std::to_string(ended) + " requests sent on it ended unanswered." +
+                       Suppressed(*admitted);
+            },
+            kSource, __LINE__);
+    }
+}
+
 void CommandClient::Deliver(std::unique_ptr<BaseMessage> message) {
     const int ticket = message->GetOrigin().GetTicket();
     const bool partial = IsPartialReplyHeader(message->GetHeader());
-    std::shared_ptr<RequestMap::ReplyQueue> replies;
+    // Read before the map's lock is taken: it walks the reply's bytes.
+    const std::optional<std::string> carried = Detail::CarriedCommandGuid(*message);
+    const std::size_t charge = ReplyQueue::Charge(*message);
+    std::shared_ptr<ReplyQueue> replies;
+    bool misaddressed = false;
+    bool overflowed = false;
     {
         std::lock_guard<std::recursive_mutex> lock(requestMap->mutex);
         auto found = requestMap->requests.find(ticket);
-        if (found == requestMap->requests.end()) {
-            return;  // answers a request that was cancelled, abandoned or never made
+        if (found == requestMap->requests.end() || (partial && found->second->IsClosed())) {
+            // Answers a request that ended, was abandoned or never made.
+            droppedUnanswerable.fetch_add(1);
+            return;
         }
-        if (partial) {
-            if (found->second->IsClosed()) {
-                return;
+        misaddressed = carried && *carried != found->second->CommandGuid();
+        if (!misaddressed) {
+            const std::size_t waiting = found->second->waitingBytes.load();
+            overflowed = waiting > 0 && waiting + charge > limits.waitingReplyBytes;
+            if (!partial || overflowed) {
+                found->second->Close();
+                replies = std::move(found->second);
+                requestMap->requests.erase(found);
+            } else {
+                replies = found->second;
             }
-            replies = found->second;
-        } else {
-            found->second->Close();
-            replies = std::move(found->second);
-            requestMap->requests.erase(found);
         }
+    }
+    if (misaddressed) {
+        // The request keeps waiting: its own reply may still come.
+        droppedMisaddressed.fetch_add(1);
+        static RateLimit limit;
+        if (const auto admitted = limit.Admit()) {
+            LogComposed(
+                logger, ILogger::Warning,
+                [&] {
+                    return "Deliver: dropped a reply for ticket " + std::to_string(ticket) +
+                           " naming another command than the one sent under it." +
+                           Suppressed(*admitted);
+                },
+                kSource, __LINE__);
+        }
+        return;
+    }
+    if (overflowed) {
+        droppedOverBudget.fetch_add(1 + replies->Size());
+        replies->Discard();
+        static RateLimit limit;
+        if (const auto admitted = limit.Admit()) {
+            LogComposed(
+                logger, ILogger::Warning,
+                [&] {
+                    return "Deliver: the replies waiting for ticket " + std::to_string(ticket) +
+                           " reached " + std::to_string(limits.waitingReplyBytes) +
+                           " bytes; the request ends and its replies are dropped." +
+                           Suppressed(*admitted);
+                },
+                kSource, __LINE__);
+        }
+        return;
     }
     // Queued after the map's lock is released, so that the woken caller's next request, which
     // registers under that lock, never waits for this thread. A final reply's queue is already
     // out of the map and closed, so a cancellation in between leaves it alone; a partial reply may
-    // then land behind the cancellation mark, where nobody reads it. Only this thread queues
-    // replies, so their order is kept.
+    // then land behind the end mark, where nobody reads it. Only this thread queues replies, so
+    // their order is kept.
+    replies->waitingBytes.fetch_add(charge);
     replies->Push(std::move(message));
 }
 
@@ -220,27 +324,40 @@ void CommandClient::Pause(bool pause) {
 
 void CommandClient::Stop() {
     std::size_t abandoned = 0;
+    bool alreadyShutDown = false;
+    bool wasPaused = false;
     {
         std::lock_guard<std::mutex> lock(stopMutex);
-        if (messenger->IsShutDown()) {
-            return;
-        }
-        if (!requestMap->active.load()) {
-            // Paused: no reception thread runs, nothing is pending.
-            messenger->ShutDown();
-            Log(logger, ILogger::Info, "Shut down.", kSource, __LINE__);
-            return;
-        }
+        alreadyShutDown = messenger->IsShutDown();
+        wasPaused = !requestMap->active.load();
+        // Every waiter is released whatever state the messenger is in: it may have been shut
+        // down from outside, with requests still pending.
         abandoned = requestMap->CancelPending();
-        messenger->ShutDown();
+        if (!alreadyShutDown) {
+            messenger->ShutDown();
+        }
     }
-    LogAbandoned(logger, "Stop", abandoned, __LINE__);
-    JoinReceptionThread();
+    if (alreadyShutDown) {
+        JoinReceptionThread();  // a second Stop: nothing to log
+        return;
+    }
+    if (!wasPaused) {
+        LogAbandoned(logger, "Stop", abandoned, __LINE__);
+        JoinReceptionThread();
+    }
     Log(logger, ILogger::Info, "Shut down.", kSource, __LINE__);
 }
 
 Common::Messaging::ConnectionState CommandClient::GetConnectionState() const {
     return messenger->GetConnectionState();
+}
+
+CommandClient::DroppedReplies CommandClient::GetDroppedReplies() const {
+    DroppedReplies dropped;
+    dropped.unanswerable = droppedUnanswerable.load();
+    dropped.misaddressed = droppedMisaddressed.load();
+    dropped.overBudget = droppedOverBudget.load();
+    return dropped;
 }
 
 }  // namespace Korvo::Plexis::Tessel::Client

@@ -3,10 +3,27 @@
 #include <stdexcept>
 
 namespace Korvo::Plexis::Tessel::Client {
+namespace {
+
+PendingCommandReply::ItemKind KindOfEnding(ReplyQueue::Ending ending) {
+    using Kind = PendingCommandReply::ItemKind;
+    switch (ending) {
+        case ReplyQueue::Ending::NotSent:
+            return Kind::NotSent;
+        case ReplyQueue::Ending::LinkLost:
+            return Kind::LinkLost;
+        case ReplyQueue::Ending::Overflowed:
+            return Kind::Overflowed;
+        default:
+            return Kind::Cancelled;
+    }
+}
+
+}  // namespace
 
 PendingCommandReply::PendingCommandReply(std::shared_ptr<CommandReplyBuilder> replyBuilder,
                                          std::shared_ptr<RequestMap> requestMap, int requestId,
-                                         std::shared_ptr<RequestMap::ReplyQueue> replies)
+                                         std::shared_ptr<ReplyQueue> replies)
     : replyBuilder(std::move(replyBuilder)),
       requestMap(std::move(requestMap)),
       requestId(requestId),
@@ -28,8 +45,9 @@ void PendingCommandReply::EnsurePending() const {
 PendingCommandReply::Item PendingCommandReply::Classify(std::unique_ptr<BaseMessage> message) {
     if (!message) {
         pending = false;
-        return {ItemKind::Cancelled, nullptr};
+        return {KindOfEnding(replies->GetEnding()), nullptr};
     }
+    replies->waitingBytes.fetch_sub(ReplyQueue::Charge(*message));
     if (IsPartialReplyHeader(message->GetHeader())) {
         return {ItemKind::Partial, std::move(message)};
     }
@@ -57,7 +75,16 @@ std::unique_ptr<HighLevelOperations::Commands::CommandReply> PendingCommandReply
         throw std::invalid_argument(
             "PendingCommandReply: only a partial or final reply can be built into a reply.");
     }
-    return replyBuilder->BuildCommandReply(item.message->GetHeader(), item.message->GetPayload());
+    auto reply =
+        replyBuilder->BuildCommandReply(item.message->GetHeader(), item.message->GetPayload());
+    // The reception thread has checked the identifier already; this also catches a reply that
+    // names the command twice, differently.
+    const std::string& carried = reply ? reply->commandGuid.GetValue() : std::string();
+    if (!carried.empty() && carried != replies->CommandGuid()) {
+        throw std::invalid_argument(
+            "PendingCommandReply: the reply names another command than this request's.");
+    }
+    return reply;
 }
 
 }  // namespace Korvo::Plexis::Tessel::Client

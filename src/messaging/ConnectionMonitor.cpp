@@ -30,6 +30,7 @@ ConnectionMonitor::ConnectionMonitor(std::vector<Link*> links, std::shared_ptr<I
     : links(std::move(links)),
       logger(std::move(logger)),
       states(this->links.size()),
+      losses(this->links.size()),
       listener(std::move(listener)),
       retryDue(this->links.size()),
       everConnected(this->links.size(), false),
@@ -64,6 +65,10 @@ void ConnectionMonitor::ShutDown() {
 
 ConnectionState ConnectionMonitor::State(std::size_t link) const {
     return states.at(link).load();
+}
+
+std::uint64_t ConnectionMonitor::Losses(std::size_t link) const {
+    return losses.at(link).load();
 }
 
 std::vector<ConnectionState> ConnectionMonitor::States() const {
@@ -235,6 +240,9 @@ void ConnectionMonitor::Report(std::size_t link, ConnectionState state) {
         const ConnectionState current = states[link].load();
         if (current == state || current == ConnectionState::ShutDown) {
             return;
+        }
+        if (current == ConnectionState::Connected) {
+            losses[link].fetch_add(1);
         }
         states[link].store(state);
     }

@@ -55,6 +55,11 @@ public:
     ConnectionState State(std::size_t link) const;
     std::vector<ConnectionState> States() const;
 
+    /// How many times link `link` went from connected to anything but shut down. Counted before
+    /// the change is reported, so a sender that reads the count and then finds the link up sent on
+    /// a link whose loss, if it comes, raises the count. Any thread.
+    std::uint64_t Losses(std::size_t link) const;
+
     /// Replaces the listener; once this returns the previous one is not running and is never
     /// called again. Not on the listener.
     void SetListener(Listener newListener);
@@ -78,6 +83,7 @@ private:
     // every send asks for its link's state.
     mutable std::mutex stateMutex;
     std::vector<std::atomic<ConnectionState>> states;
+    std::vector<std::atomic<std::uint64_t>> losses;
 
     std::mutex listenerMutex;
     Listener listener;

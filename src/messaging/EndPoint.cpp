@@ -48,6 +48,16 @@ void CheckAddress(const std::string& address) {
         if (colon == std::string::npos || colon == 0 || !IsPort(rest.substr(colon + 1))) {
             Reject(address, "a tcp address is host:port, the port from 1 to 65535");
         }
+        // An IPv6 address holds colons of its own, so it must be in brackets to be told from the
+        // port, and the brackets must hold nothing else.
+        const std::string host = rest.substr(0, colon);
+        const bool bracketed = host.front() == '[';
+        if (bracketed ? host.size() < 3 || host.back() != ']' ||
+                            host.find_first_of("[]", 1) != host.size() - 1 ||
+                            host.find(':') == std::string::npos
+                      : host.find_first_of("[]:") != std::string::npos) {
+            Reject(address, "an IPv6 host is written in brackets, as in tcp://[::1]:5555");
+        }
     }
 }
 

@@ -18,6 +18,24 @@ int Milliseconds(std::chrono::milliseconds duration) {
     return static_cast<int>(duration.count());
 }
 
+// Whether `address` names an IPv6 host (tcp://[addr]:port): ZeroMQ resolves IPv6 addresses only
+// on a socket told to, and telling every socket would let a host name resolve to an IPv6 address
+// that the server does not listen on.
+bool IsIpv6(const std::string& address) {
+    return address.rfind("tcp://[", 0) == 0;
+}
+
+// How many replies the command link lets wait in ZeroMQ: as many of the largest allowed size as
+// fit in `receiveQueueBytes`, at least one, at most `receiveHighWaterMark` (0: no count limit).
+int ReplyQueueMessages(const TransportOptions& options) {
+    const std::int64_t largest = std::max<std::int64_t>(options.maxMessageSize, 1);
+    std::int64_t count = std::max<std::int64_t>(options.receiveQueueBytes / largest, 1);
+    if (options.receiveHighWaterMark > 0) {
+        count = std::min<std::int64_t>(count, options.receiveHighWaterMark);
+    }
+    return static_cast<int>(std::min<std::int64_t>(count, INT_MAX));
+}
+
 TransportException Failure(const EndPoint& endpoint, const char* what, const zmq::error_t& error) {
     return TransportException(std::string(what) + " " + endpoint.Address() + ": " + error.what());
 }
@@ -66,9 +84,15 @@ void Link::Configure(zmq::socket_t& target) const {
     // Commands beyond this many waiting for the server are not worth queueing: the server is not
     // keeping up, and Send's bounded wait then drops them rather than deliver them late.
     target.set(zmq::sockopt::sndhwm, options.sendHighWaterMark);
-    // Replies (a long list arrives as many parts) and bursts of notifications must not be dropped
-    // while the application is briefly busy: queue generously on our side.
-    target.set(zmq::sockopt::rcvhwm, options.receiveHighWaterMark);
+    // Bursts of notifications must not be dropped while the application is briefly busy: queue
+    // generously on our side. Replies are bounded in bytes: once that many wait, ZeroMQ stops
+    // reading from the server, which holds the server back rather than dropping anything.
+    target.set(zmq::sockopt::rcvhwm, type == zmq::socket_type::dealer
+                                         ? ReplyQueueMessages(options)
+                                         : options.receiveHighWaterMark);
+    if (IsIpv6(endpoint.Address())) {
+        target.set(zmq::sockopt::ipv6, true);
+    }
     // A peer must not make us allocate without bound: a larger frame drops the link.
     target.set(zmq::sockopt::maxmsgsize, options.maxMessageSize);
     // Retry soon after a server restart, but back off so that a server that stays down (or a
@@ -224,6 +248,7 @@ void Link::NotifyChange() {
         ++changes;
     }
     changed.notify_all();
+    wake.Notify();  // a receiver polling this link learns of the change at once
 }
 
 void Link::AwaitNoWaiters(std::unique_lock<std::mutex>& lock) {

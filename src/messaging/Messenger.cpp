@@ -8,6 +8,7 @@
 #include <Korvo/Plexis/Tessel/Logging/Loggers.h>
 
 #include "logging/LogSupport.h"
+#include "logging/RateLimit.h"
 #include "messaging/ConnectionMonitor.h"
 #include "messaging/Envelope.h"
 #include "messaging/Link.h"
@@ -18,6 +19,8 @@ namespace {
 
 using Plexis::Tessel::Logging::ILogger;
 using Plexis::Tessel::Logging::LogComposed;
+using Plexis::Tessel::Logging::RateLimit;
+using Plexis::Tessel::Logging::Suppressed;
 using Clock = std::chrono::steady_clock;
 
 constexpr const char* kSource = "Korvo/Common/Messaging/Client/Messenger";
@@ -32,17 +35,30 @@ Detail::ConnectionMonitor::Listener ListenerFor(Messenger::ConnectionStateHandle
     return [handler = std::move(handler)](std::size_t, ConnectionState state) { handler(state); };
 }
 
+// The descriptors a messenger needs beyond what the process has: for a new ZeroMQ context its
+// two threads' pollers and mailboxes and its own mailbox (5), the socket's and its monitor's
+// mailboxes and the monitor's inproc pair (3), the two wake signals (2), the TCP connection and
+// one spare for a reconnection (2).
+constexpr int kDescriptorsNeeded = 12;
+
+bool EnoughDescriptors(const EndPoint& server) {
+    Detail::RequireDescriptors(kDescriptorsNeeded, "cannot connect to " + server.Address());
+    return true;
+}
+
 }  // namespace
 
 class Messenger::Impl {
 public:
     Impl(const EndPoint& server, const TransportOptions& options, ConnectionStateHandler handler)
-        : options(options),
+        : descriptorsChecked(EnoughDescriptors(server)),
+          options(options),
           logger(Plexis::Tessel::Logging::Loggers::GetInstance().GetLogger("Messaging")),
           context(Detail::SharedZmqContext()),
           link(context, zmq::socket_type::dealer, server, options, {}, wake),
           monitor({&link}, logger, ListenerFor(std::move(handler))) {}
 
+    const bool descriptorsChecked;  // before anything that takes a descriptor is made
     const TransportOptions options;
     const std::shared_ptr<ILogger> logger;
     const std::shared_ptr<zmq::context_t> context;
@@ -77,6 +93,11 @@ void Messenger::ShutDown() {
 
 void Messenger::Send(const int& ticket, const std::string& commandName,
                      const Serialization::Buffer& payload) {
+    TrySend(ticket, commandName, payload);  // a command not sent is logged there
+}
+
+bool Messenger::TrySend(const int& ticket, const std::string& commandName,
+                        const Serialization::Buffer& payload) {
     if (impl->shutDown.load()) {
         throw ObjectShutDownException("Send: messenger shut down.");
     }
@@ -85,30 +106,49 @@ void Messenger::Send(const int& ticket, const std::string& commandName,
     for (;;) {
         // Queue only on a link known to be up: right after a loss ZeroMQ may still accept a
         // message into the broken connection's queue, where it would be silently discarded.
-        if (GetConnectionState() == ConnectionState::Connected) {
+        const ConnectionState state = GetConnectionState();
+        if (state == ConnectionState::Connected) {
             if (impl->link.TrySend(frames)) {
-                return;
+                return true;
             }
         } else {
             impl->link.CheckUsable();
         }
+        // A link that was up and is lost is known to be down: waiting would only delay the answer.
+        // A link still coming up for the first time, or a full queue, gets the send wait.
+        const bool lost = state == ConnectionState::Reconnecting ||
+                          state == ConnectionState::Disconnected;
         const Clock::time_point now = Clock::now();
-        if (now >= deadline) {
-            const bool connected = GetConnectionState() == ConnectionState::Connected;
-            LogComposed(
-                impl->logger, ILogger::Error,
-                [&] {
-                    return "Send: command " + commandName + " (ticket " + std::to_string(ticket) +
-                           ") dropped: " +
-                           (connected ? "the send queue to " : "no server connected at ") +
-                           impl->link.GetEndPoint().Address() + (connected ? " stayed full" : "") +
-                           " for " + std::to_string(impl->options.sendWait.count()) + " ms.";
-                },
-                kSource, __LINE__);
-            return;
+        if (lost || now >= deadline) {
+            static RateLimit limit;
+            if (const auto admitted = limit.Admit()) {
+                LogComposed(
+                    impl->logger, ILogger::Error,
+                    [&] {
+                        const std::string why =
+                            state == ConnectionState::Connected
+                                ? "the send queue to " + impl->link.GetEndPoint().Address() +
+                                      " stayed full for " +
+                                      std::to_string(impl->options.sendWait.count()) + " ms"
+                            : lost ? "the link to " + impl->link.GetEndPoint().Address() +
+                                         " is down"
+                                   : "no server connected at " +
+                                         impl->link.GetEndPoint().Address() + " within " +
+                                         std::to_string(impl->options.sendWait.count()) + " ms";
+                        return "Send: command " + commandName + " (ticket " +
+                               std::to_string(ticket) + ") not sent: " + why + "." +
+                               Suppressed(*admitted);
+                    },
+                    kSource, __LINE__);
+            }
+            return false;
         }
         impl->link.WaitForChange(std::min(deadline, now + kSendRetryStep));
     }
+}
+
+std::uint64_t Messenger::GetLinkLosses() const {
+    return impl->monitor.Losses(0);
 }
 
 std::unique_ptr<Plexis::Tessel::Client::BaseMessage> Messenger::Receive() {
@@ -116,6 +156,7 @@ std::unique_ptr<Plexis::Tessel::Client::BaseMessage> Messenger::Receive() {
         throw ObjectShutDownException("Receive: messenger shut down.");
     }
     const Clock::time_point deadline = Clock::now() + impl->options.receiveWait;
+    const std::uint64_t losses = GetLinkLosses();
     for (;;) {
         Detail::Waits waits(impl->waitStorage);
         int fd = -1;
@@ -125,16 +166,29 @@ std::unique_ptr<Plexis::Tessel::Client::BaseMessage> Messenger::Receive() {
             if (message->IsValid()) {
                 return message;
             }
-            LogComposed(
-                impl->logger, ILogger::Error,
-                [&] { return "Receive: dropped a malformed reply (" + problem + ")."; }, kSource,
-                __LINE__);
+            static RateLimit limit;
+            if (const auto admitted = limit.Admit()) {
+                LogComposed(
+                    impl->logger, ILogger::Error,
+                    [&] {
+                        return "Receive: dropped a malformed reply (" + problem + ")." +
+                               Suppressed(*admitted);
+                    },
+                    kSource, __LINE__);
+            }
+            // A stream of malformed messages must not hold the caller past its wait.
+            if (Clock::now() >= deadline) {
+                return nullptr;
+            }
             continue;
         }
         waits.Add(impl->link, fd);
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
         if (left.count() <= 0 || !waits.Poll(impl->wake, left)) {
             return nullptr;
+        }
+        if (GetLinkLosses() != losses) {
+            return nullptr;  // the caller may want to act on the loss at once
         }
     }
 }

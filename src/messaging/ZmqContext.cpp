@@ -1,6 +1,14 @@
 #include "messaging/ZmqContext.h"
 
+#include <sys/eventfd.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
 #include <mutex>
+#include <vector>
+
+#include <Korvo/Common/Messaging/TransportException.h>
 
 #include <Korvo/Common/Messaging/SharedContext.h>
 
@@ -20,6 +28,28 @@ std::shared_ptr<zmq::context_t> SharedZmqContext() {
         current = context;
     }
     return context;
+}
+
+void RequireDescriptors(int count, const std::string& what) {
+    std::vector<int> taken;
+    int error = 0;
+    for (int i = 0; i < count; ++i) {
+        const int fd = ::eventfd(0, EFD_CLOEXEC);
+        if (fd < 0) {
+            error = errno;
+            break;
+        }
+        taken.push_back(fd);
+    }
+    for (const int fd : taken) {
+        ::close(fd);
+    }
+    if (error != 0) {
+        throw TransportException(what + ": too few file descriptors: " + std::to_string(count) +
+                                 " more are needed and only " + std::to_string(taken.size()) +
+                                 " can be opened (" + std::strerror(error) +
+                                 "); raise the limit (ulimit -n) or close some");
+    }
 }
 
 }  // namespace Detail

@@ -222,6 +222,41 @@ TEST_F(CommandClientTest, HandleOutlivesItsClient) {
     EXPECT_EQ(NextOf(*pending).kind, Kind::Cancelled);
 }
 
+TEST_F(CommandClientTest, AMessengerShutDownFromOutsideStillReleasesEveryWaiter) {
+    for (const bool destroyClient : {false, true}) {
+        SetUp();
+        auto pending = Send("stranded");
+        server->ShutDownFromOutside();
+        if (destroyClient) {
+            client.reset();
+        }
+        EXPECT_EQ(NextOf(*pending).kind, Kind::Cancelled) << "client destroyed: " << destroyClient;
+    }
+}
+
+TEST_F(CommandClientTest, RepliesNamingAnotherCommandAreDroppedAndCounted) {
+    // A reply record whose field 1 is the identifier {1: "<text>"}, compact-encoded.
+    auto naming = [](const std::string& guid) {
+        return std::string("\x1c\x18") + static_cast<char>(guid.size()) + guid + '\0' + '\0';
+    };
+    auto own = client->Request("Echo", [] {
+        TextParams params("own");
+        params.commandGuid = Plexis::Data::Guid("cmd-1");
+        return params;
+    }());
+    const int ticket = own->GetRequestId();
+    server->Reply(ticket, "[part]Done", naming("cmd-0"));
+    server->Reply(ticket, "Done", naming("cmd-0"));
+    server->Reply(ticket, "[part]Done", naming("cmd-1"));
+    server->Reply(ticket, "Done", naming("cmd-1"));
+
+    auto item = NextOf(*own);
+    ASSERT_EQ(item.kind, Kind::Partial);
+    EXPECT_EQ(item.message->GetPayload().Size(), naming("cmd-1").size());
+    EXPECT_EQ(NextOf(*own).kind, Kind::Final);
+    EXPECT_EQ(client->GetDroppedReplies().misaddressed, 2u);
+}
+
 // A server that never answers, behind a messenger whose Receive gives up at once: the reception
 // loop's own idle sleep is then all that keeps it from spinning.
 class ImpatientMessenger final : public BaseClientMessenger {

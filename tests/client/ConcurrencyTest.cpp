@@ -83,5 +83,64 @@ TEST_F(ConcurrencyTest, EightThreadsOfAThousandRequestsGetTheirOwnReplies) {
     EXPECT_EQ(std::adjacent_find(all.begin(), all.end()), all.end());
 }
 
+// A payload builder slow enough that requests are often between their check of the client's state
+// and their registration when Pause or Stop runs.
+class SlowPayloadBuilder final : public Plexis::Tessel::Client::CommandParamsPayloadBuilder {
+public:
+    std::unique_ptr<Common::Serialization::Buffer> BuildPayload(
+        const std::string& commandName, const CommandParams& params) override {
+        std::this_thread::sleep_for(std::chrono::microseconds(500));
+        return text.BuildPayload(commandName, params);
+    }
+
+private:
+    TextPayloadBuilder text;
+};
+
+// Requests racing Pause(true) and Stop(): once either has returned nothing more is sent, and every
+// handle handed out has already ended.
+TEST_F(ConcurrencyTest, NoCommandLeavesAfterPauseOrStopReturnedAndEveryHandleHasEnded) {
+    constexpr int kThreads = 4;
+    for (const bool stop : {false, true}) {
+        for (int round = 0; round < (stop ? 10 : 30); ++round) {
+            server = std::make_shared<InProcessServer>();
+            client = std::make_unique<Client>(std::make_unique<InProcessMessenger>(server),
+                                              std::make_shared<SlowPayloadBuilder>(),
+                                              std::make_shared<TextReplyBuilder>());
+            std::atomic<bool> ended{false};
+            std::atomic<int> started{0};
+            std::vector<std::vector<std::unique_ptr<Pending>>> handles(kThreads);
+            std::vector<std::thread> senders;
+            for (int t = 0; t < kThreads; ++t) {
+                senders.emplace_back([&, t] {
+                    ++started;
+                    while (!ended.load()) {
+                        if (auto pending = Send("racing")) {
+                            handles[t].push_back(std::move(pending));
+                        }
+                    }
+                });
+            }
+            while (started.load() < kThreads || server->Sent().size() < 4) {
+                std::this_thread::yield();
+            }
+            stop ? client->Stop() : client->Pause(true);
+            const std::size_t sentBefore = server->Sent().size();
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+            ended = true;
+            for (auto& sender : senders) {
+                sender.join();
+            }
+            EXPECT_EQ(server->Sent().size(), sentBefore) << "stop " << stop << " round " << round;
+            for (auto& perThread : handles) {
+                for (auto& pending : perThread) {
+                    ASSERT_EQ(pending->Next(std::chrono::milliseconds(0)).kind, Kind::Cancelled)
+                        << "stop " << stop << " round " << round;
+                }
+            }
+        }
+    }
+}
+
 }  // namespace
 }  // namespace Korvo::Testing

@@ -48,7 +48,10 @@ TEST(EndPointTest, TextFormsParseAndMalformedOnesAreRefused) {
          {std::string("replay-1:5555"), std::string("udp://replay-1:5555"), std::string("tcp://"),
           std::string("tcp://replay-1"), std::string("tcp://:5555"),
           std::string("tcp://replay-1:0"), std::string("tcp://replay-1:70000"),
-          std::string("tcp://replay-1:55x5"), std::string("tcp://replay-1:5555;curve=short"),
+          std::string("tcp://replay-1:55x5"), std::string("tcp://::1:5555"),
+          std::string("tcp://[::1:5555"), std::string("tcp://[]:5555"),
+          std::string("tcp://[replay-1]:5555"), std::string("tcp://[::1]x:5555"),
+          std::string("tcp://replay-1:5555;curve=short"),
           std::string("tcp://replay-1:5555;curve=") + notZ85,
           std::string("tcp://replay-1:5555;curve=") + std::string(64, 'g')}) {
         EXPECT_THROW(EndPoint{bad}, std::invalid_argument) << bad;

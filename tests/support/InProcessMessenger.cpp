@@ -54,6 +54,14 @@ std::vector<SentCommand> InProcessServer::TakeSent(std::chrono::milliseconds lim
     return fresh;
 }
 
+void InProcessServer::ShutDownFromOutside() {
+    {
+        std::lock_guard<std::mutex> lock(mutex);
+        shutDown = true;
+    }
+    changed.notify_all();
+}
+
 int InProcessServer::ShutDownCalls() const {
     std::lock_guard<std::mutex> lock(mutex);
     return shutDownCalls;

@@ -70,6 +70,10 @@ public:
     /// Takes the commands sent so far (blocking up to `limit` for at least one).
     std::vector<SentCommand> TakeSent(std::chrono::milliseconds limit = std::chrono::seconds(30));
 
+    /// Shuts the link down as if from outside the client (the messenger's own `ShutDown` is
+    /// not called).
+    void ShutDownFromOutside();
+
     int ShutDownCalls() const;
     bool IsShutDown() const;
     int ReceiveCalls() const;

@@ -19,6 +19,7 @@ std::shared_ptr<RecordingLogger> RecordedLogger(const std::string& name, ILogger
     }
     logger->Clear();
     logger->SetLevel(level);
+    logger->SetDelay(std::chrono::microseconds(0));
     return logger;
 }
 

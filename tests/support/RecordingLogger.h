@@ -1,9 +1,11 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <memory>
 #include <mutex>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <Korvo/Plexis/Tessel/Logging/ILogger.h>
@@ -32,9 +34,13 @@ public:
 
     void Log(Level messageLevel, const std::string& message, const char* sourceFile,
              int line) override {
+        std::this_thread::sleep_for(std::chrono::microseconds(delay.load()));
         std::lock_guard<std::mutex> lock(mutex);
         records.push_back({messageLevel, message, sourceFile ? sourceFile : "", line});
     }
+
+    /// Makes every line take `perLine` to write, like a slow sink.
+    void SetDelay(std::chrono::microseconds perLine) { delay.store(perLine.count()); }
 
     void SetLevel(Level newLevel) override { level.store(newLevel); }
 
@@ -78,6 +84,7 @@ public:
 private:
     const std::string name;
     std::atomic<Level> level{Warning};
+    std::atomic<long long> delay{0};
     mutable std::mutex mutex;
     std::vector<LogRecord> records;
 };
@@ -94,7 +101,7 @@ public:
 };
 
 /// The process-wide registry's logger for `name`, made a RecordingLogger: installs a
-/// RecordingLoggerFactory on first use, empties the logger and sets its level.
+/// RecordingLoggerFactory on first use, empties the logger, sets its level and makes it fast.
 std::shared_ptr<RecordingLogger> RecordedLogger(const std::string& name, ILogger::Level level);
 
 }  // namespace Korvo::Testing

@@ -76,8 +76,8 @@ Answer SimulatorSession::Ask(const std::string& name, const Commands::CommandPar
     using Kind = PendingCommandReply::ItemKind;
     while (pending->IsPending()) {
         auto item = pending->Next(kSessionPatience);
-        if (item.kind == Kind::TimedOut || item.kind == Kind::Cancelled) {
-            ADD_FAILURE() << name << ": no reply";
+        if (item.kind != Kind::Partial && item.kind != Kind::Final) {
+            ADD_FAILURE() << name << ": no reply (outcome " << static_cast<int>(item.kind) << ")";
             break;
         }
         answer.headers.push_back(item.message->GetHeader());

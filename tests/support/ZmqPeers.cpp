@@ -44,6 +44,7 @@ void SendFrames(zmq::socket_t& socket, const Frames& frames) {
 RouterPeer::RouterPeer(const std::string& bindAddress, const std::string& curveSecretKey)
     : socket(context, zmq::socket_type::router) {
     socket.set(zmq::sockopt::linger, 0);
+    socket.set(zmq::sockopt::ipv6, bindAddress.find('[') != std::string::npos);
     if (!curveSecretKey.empty()) {
         socket.set(zmq::sockopt::curve_server, true);
         socket.set(zmq::sockopt::curve_secretkey, curveSecretKey);
@@ -72,6 +73,18 @@ void RouterPeer::Send(const Frames& frames) {
 void RouterPeer::Reply(const std::string& identity, int ticket, const std::string& header,
                        const std::string& payload) {
     Send({identity, TicketBytes(ticket), header, payload});
+}
+
+long RouterPeer::Flood(const Frames& frames, std::chrono::milliseconds duration,
+                       const std::atomic<bool>& stop) {
+    const auto end = std::chrono::steady_clock::now() + duration;
+    long sent = 0;
+    while (!stop.load() && std::chrono::steady_clock::now() < end) {
+        for (int burst = 0; burst < 64; ++burst, ++sent) {
+            SendFrames(socket, frames);
+        }
+    }
+    return sent;
 }
 
 PublisherPeer::PublisherPeer(int sendHighWaterMark) : socket(context, zmq::socket_type::xpub) {

@@ -48,6 +48,12 @@ public:
     void Reply(const std::string& identity, int ticket, const std::string& header,
                const std::string& payload);
 
+    /// Sends `frames` again and again, as fast as ZeroMQ takes them (what does not fit towards
+    /// the client is dropped here, as a server's ROUTER does), until `duration` has passed or
+    /// `stop` is set. Returns how many were sent.
+    long Flood(const Frames& frames, std::chrono::milliseconds duration,
+               const std::atomic<bool>& stop);
+
 private:
     zmq::context_t context;
     zmq::socket_t socket;

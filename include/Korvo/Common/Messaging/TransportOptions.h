@@ -36,8 +36,16 @@ struct TransportOptions {
     /// Most commands queued towards the server, and most messages queued towards the application
     /// in ZeroMQ. A subscription also holds at most `receiveHighWaterMark` notifications in its
     /// own queue for `Receive`, and drops (and counts) what arrives beyond that; 0 means no limit.
+    /// A messenger's replies are bounded by `receiveQueueBytes` too.
     int sendHighWaterMark = 1000;
     int receiveHighWaterMark = 100000;
+
+    /// The most bytes of replies a `Messenger` lets wait in ZeroMQ for `Receive`. ZeroMQ counts
+    /// messages, so the messenger lets at most `receiveQueueBytes / maxMessageSize` replies wait
+    /// (at least 1, at most `receiveHighWaterMark`): 4 with the defaults. Beyond that ZeroMQ stops
+    /// reading from the server until the reception thread has taken some, which holds the server
+    /// back; nothing is dropped.
+    std::int64_t receiveQueueBytes = 64 * 1024 * 1024;
 };
 
 }  // namespace Korvo::Common::Messaging

@@ -14,10 +14,12 @@ namespace Korvo::Common::Messaging::Client {
 /// command and each reply is one message of three frames, [ticket][header][payload]
 /// (docs/protocol.md). Hand it to a `CommandClient`, which owns it from then on.
 ///
-/// A command is only ever queued on a link whose handshake is complete. When no server is
-/// connected, `Send` waits up to `TransportOptions::sendWait` for one; then it drops the command,
-/// logs it (logger "Messaging", level 50) and returns, so the command's handle times out instead
-/// of the command reaching a server that appears minutes later.
+/// A command is only ever queued on a link whose handshake is complete. While the first connection
+/// is still being made, or the send queue is full, `TrySend` waits up to
+/// `TransportOptions::sendWait`; on a link that was up and is lost it does not wait. A command it
+/// cannot queue is dropped and logged (logger "Messaging", level 50, a few lines a second at
+/// most), and `TrySend` returns false, which a `CommandClient` reports as `NotSent`: the command
+/// never reaches a server that appears later.
 ///
 /// Threads: `Send` from any number of threads at once; `Receive` from one thread at a time;
 /// `ShutDown`, `IsShutDown`, `GetConnectionState` and `SetConnectionStateHandler` from any thread.
@@ -28,7 +30,8 @@ public:
     /// Starts connecting to `server` (the connection completes in the background, and is retried
     /// for as long as the messenger lives) and starts the watching thread, with `handler`
     /// installed from the start so that no change is missed (see `SetConnectionStateHandler`).
-    /// Throws `TransportException` when the address is refused or CURVE is not available.
+    /// Throws `TransportException` when the address is refused, CURVE is not available, or the
+    /// process cannot open the dozen file descriptors a messenger may need (the message says so).
     explicit Messenger(const EndPoint& server, const TransportOptions& options = {},
                        ConnectionStateHandler handler = {});
 
@@ -47,16 +50,25 @@ public:
     /// including the handler.
     void ShutDown() override;
 
-    /// Queues one command under `ticket` and returns; the bytes of `payload` are copied once, into
-    /// the frame. Waits up to `sendWait` when no server is connected or the queue is full (see the
-    /// class comment). Throws `ObjectShutDownException` once shut down, `TransportException` when
-    /// the socket fails.
+    /// Queues one command under `ticket` and returns true; the bytes of `payload` are copied once,
+    /// into the frame. Returns false when the command could not be queued (see the class
+    /// comment). Throws `ObjectShutDownException` once shut down, `TransportException` when the
+    /// socket fails.
+    bool TrySend(const int& ticket, const std::string& commandName,
+                 const Serialization::Buffer& payload) override;
+
+    /// `TrySend`, ignoring whether the command was queued.
     void Send(const int& ticket, const std::string& commandName,
               const Serialization::Buffer& payload) override;
 
-    /// The next well-formed reply, or an empty pointer when none arrived within `receiveWait`.
-    /// Malformed messages are dropped and logged (level 50). Throws `ObjectShutDownException` once
-    /// shut down, also when that happens during the wait.
+    /// How many times the link was lost after its handshake had succeeded. Any thread.
+    std::uint64_t GetLinkLosses() const override;
+
+    /// The next well-formed reply, or an empty pointer when none arrived within `receiveWait`, or
+    /// as soon as the link is lost. Never returns later than `receiveWait` after it was called,
+    /// however many messages arrive. Malformed messages are dropped and logged (level 50, a few
+    /// lines a second at most). Throws `ObjectShutDownException` once shut down, also when that
+    /// happens during the wait.
     std::unique_ptr<Plexis::Tessel::Client::BaseMessage> Receive() override;
 
     /// The state of the link to the server. Any thread, including the handler.

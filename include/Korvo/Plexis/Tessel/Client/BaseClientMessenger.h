@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -35,6 +36,20 @@ public:
     /// server echoes in every message of its reply. The payload stays the caller's.
     virtual void Send(const int& ticket, const std::string& commandName,
                       const Common::Serialization::Buffer& payload) = 0;
+
+    /// Like `Send`, but returns false, without throwing, when the command certainly never reached
+    /// the transport (no link to the server, or no room for it), so that the caller may send it
+    /// again. True once the transport has taken it. The default calls `Send` and returns true.
+    virtual bool TrySend(const int& ticket, const std::string& commandName,
+                         const Common::Serialization::Buffer& payload) {
+        Send(ticket, commandName, payload);
+        return true;
+    }
+
+    /// How many times a link that was up has been lost since the messenger was made. A command
+    /// sent while this read n cannot be answered once it reads more than n. Any thread; the
+    /// default, 0, means the messenger does not tell.
+    virtual std::uint64_t GetLinkLosses() const { return 0; }
 
     /// What the messenger knows of its link to the server. Any thread.
     virtual Common::Messaging::ConnectionState GetConnectionState() const = 0;

@@ -54,6 +54,12 @@ public:
         return TakeFront();
     }
 
+    /// Takes every item at once, without waiting.
+    std::deque<T> TakeAll() {
+        std::lock_guard<std::mutex> lock(mutex);
+        return std::exchange(items, std::deque<T>());
+    }
+
     /// Sets the closed mark; returns whether it was already set.
     bool Close() noexcept { return closed.exchange(true); }
 

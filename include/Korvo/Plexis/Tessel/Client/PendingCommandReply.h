@@ -10,10 +10,10 @@
 
 namespace Korvo::Plexis::Tessel::Client {
 
-/// The handle on one sent command, returned by `CommandClient::Request`. The replies arrive in
-/// order: any number of partial replies, then either the final reply or a cancellation (the
-/// client was stopped or paused). A handle may outlive its client. One thread uses a handle at a
-/// time.
+/// The handle on one command, returned by `CommandClient::Request`. The replies arrive in order:
+/// any number of partial replies, then exactly one ending: the final reply, or one of the
+/// outcomes below, each reported as soon as the client knows it. A handle may outlive its client.
+/// One thread uses a handle at a time. The client never sends a command again by itself.
 class PendingCommandReply {
 public:
     /// What `Next` took from the reply queue.
@@ -22,6 +22,16 @@ public:
         Final,      ///< the final reply; nothing follows
         Cancelled,  ///< the request will never be answered (stop or pause); nothing follows
         TimedOut,   ///< nothing arrived within the time limit; the request is still pending
+        /// The command never reached the transport (the link was down, or stayed full for the
+        /// messenger's send wait): it did not run, and sending it again is safe. Nothing follows.
+        NotSent,
+        /// The command was sent, then the link to the server was lost before its final reply:
+        /// it may have run, and no reply can come any more. Nothing follows.
+        LinkLost,
+        /// The replies waiting on this handle reached the client's byte budget
+        /// (`CommandClient::Limits::waitingReplyBytes`): they were discarded and the server's
+        /// further replies to it are dropped. The command may have run. Nothing follows.
+        Overflowed,
     };
 
     struct Item {
@@ -32,7 +42,7 @@ public:
 
     PendingCommandReply(std::shared_ptr<CommandReplyBuilder> replyBuilder,
                         std::shared_ptr<RequestMap> requestMap, int requestId,
-                        std::shared_ptr<RequestMap::ReplyQueue> replies);
+                        std::shared_ptr<ReplyQueue> replies);
 
     /// While still pending, removes the request from the map (under its mutex), so that a late
     /// reply is dropped rather than queued for nobody.
@@ -44,7 +54,7 @@ public:
     /// The ticket under which the command was sent.
     int GetRequestId() const noexcept { return requestId; }
 
-    /// True until `Next` has returned the final reply or the cancellation.
+    /// True until `Next` has returned the final reply or another ending.
     bool IsPending() const noexcept { return pending; }
 
     /// Waits as long as it takes for the next item. Throws `std::logic_error` when the request is
@@ -56,8 +66,9 @@ public:
 
     /// Builds the domain reply of a `Partial` or `Final` item with the reply builder (from the
     /// message's header and bytes). Throws `std::invalid_argument` when there is no message to
-    /// build from, and whatever the reply builder throws (`std::invalid_argument` for an unknown
-    /// type or undecodable bytes).
+    /// build from, when the reply names a command identifier other than this request's, and
+    /// whatever the reply builder throws (`std::invalid_argument` for an unknown type or
+    /// undecodable bytes).
     std::unique_ptr<HighLevelOperations::Commands::CommandReply> BuildReply(const Item& item) const;
 
 private:
@@ -67,7 +78,7 @@ private:
     std::shared_ptr<CommandReplyBuilder> replyBuilder;
     std::shared_ptr<RequestMap> requestMap;
     int requestId;
-    std::shared_ptr<RequestMap::ReplyQueue> replies;
+    std::shared_ptr<ReplyQueue> replies;
     bool pending = true;
 };
 

@@ -1,9 +1,12 @@
 #pragma once
 
 #include <atomic>
+#include <condition_variable>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <mutex>
+#include <string>
 #include <unordered_map>
 
 #include <Korvo/Plexis/Tessel/Client/BaseMessage.h>
@@ -11,15 +14,52 @@
 
 namespace Korvo::Plexis::Tessel::Client {
 
+/// The reply queue of one request, with what the reception thread checks against each reply:
+/// the command identifier the request was sent with, the link it went out on, and the bytes of
+/// the replies waiting in it. An empty item is the end mark; `GetEnding` says why it was queued.
+class ReplyQueue : public ConcurrentQueue<std::unique_ptr<BaseMessage>> {
+public:
+    /// Why a request ended without its final reply.
+    enum class Ending { None, Cancelled, NotSent, LinkLost, Overflowed };
+
+    ReplyQueue() = default;
+    /// `commandGuid`: the identifier of the command sent; `linkLosses`: the messenger's count of
+    /// lost links just before it was sent.
+    ReplyQueue(std::string commandGuid, std::uint64_t linkLosses)
+        : commandGuid(std::move(commandGuid)), linkLosses(linkLosses) {}
+
+    /// Ends the request with `ending` unless it has ended already: sets the closed mark and queues
+    /// the end mark. Returns whether this call ended it.
+    bool End(Ending ending);
+
+    /// Ends the request with `Overflowed` and discards every message waiting in it.
+    void Discard();
+
+    Ending GetEnding() const noexcept { return ending.load(); }
+    const std::string& CommandGuid() const noexcept { return commandGuid; }
+    std::uint64_t LinkLosses() const noexcept { return linkLosses; }
+
+    /// What a message is charged against the budget of waiting bytes: its header and payload and
+    /// a fixed allowance for the objects that hold them.
+    static std::size_t Charge(const BaseMessage& message);
+    /// The bytes charged for the messages waiting; changed by the reception thread when it queues
+    /// one and by the handle when it takes one.
+    std::atomic<std::size_t> waitingBytes{0};
+
+private:
+    const std::string commandGuid;
+    const std::uint64_t linkLosses = 0;
+    std::atomic<Ending> ending{Ending::None};
+};
+
 /// The reply queue of every request that still waits for an answer, by request identifier.
 /// Shared by a `CommandClient` and its request handles, so a handle may outlive the client.
 ///
-/// `requests` and `nextRequestId` are only touched under `mutex`; `active` is atomic. Lock order:
-/// `mutex` before any reply queue's own mutex, never the other way round.
+/// `requests`, `nextRequestId` and the count of sends in progress are only touched under `mutex`;
+/// `active` is atomic and only set to false under `mutex`. Lock order: `mutex` before any reply
+/// queue's own mutex, never the other way round.
 class RequestMap {
 public:
-    using ReplyQueue = ConcurrentQueue<std::unique_ptr<BaseMessage>>;
-
     RequestMap() : requests(10) {}
 
     /// Cancels whatever is still pending (see `CancelPending`).
@@ -28,14 +68,24 @@ public:
     RequestMap(const RequestMap&) = delete;
     RequestMap& operator=(const RequestMap&) = delete;
 
-    /// Registers `queue` under a fresh identifier and returns it. Identifiers are 0, 1, 2, ...,
-    /// wrapping around at the 32-bit limit; a wrapped identifier replaces a stale entry.
-    int Register(std::shared_ptr<ReplyQueue> queue);
+    /// While `active`, registers `queue` under a fresh identifier, stores it in `requestId`,
+    /// counts the caller as sending until it calls `EndSend`, and returns true; otherwise false.
+    /// Identifiers are 0, 1, 2, ..., wrapping around at the 32-bit limit; a wrapped identifier
+    /// replaces a stale entry.
+    bool BeginSend(std::shared_ptr<ReplyQueue> queue, int& requestId);
+
+    /// The caller that `BeginSend` admitted is no longer sending.
+    void EndSend();
 
     /// Stops accepting requests and releases every waiter: counts the pending requests, clears
-    /// `active`, then closes each queue, pushes the cancellation mark (`nullptr`) into it and
-    /// clears the map. Returns the count.
+    /// `active`, waits until no caller is between `BeginSend` and `EndSend` (so no command goes
+    /// out once this returns), then ends each queue as cancelled and clears the map. Returns the
+    /// count. Must not be called by a caller between `BeginSend` and `EndSend`.
     std::size_t CancelPending();
+
+    /// Ends with `LinkLost` every pending request sent before the messenger had counted
+    /// `linkLosses` lost links, and removes it. Returns how many.
+    std::size_t EndSentBefore(std::uint64_t linkLosses);
 
     /// Removes the entry `requestId` if it still holds `queue` (a handle that gives up).
     void Forget(int requestId, const std::shared_ptr<ReplyQueue>& queue);
@@ -44,6 +94,10 @@ public:
     std::unordered_map<int, std::shared_ptr<ReplyQueue>> requests;
     int nextRequestId = 0;
     std::recursive_mutex mutex;
+
+private:
+    int sending = 0;
+    std::condition_variable_any sendsDone;
 };
 
 }  // namespace Korvo::Plexis::Tessel::Client
