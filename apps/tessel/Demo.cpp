@@ -101,8 +101,7 @@ public:
     /// (none when null) before showing what arrived. Throws `CliError` when a step fails.
     Replies Step(const std::string& title, const std::string& command,
                  const Commands::CommandParams& params, const char* expect = nullptr,
-                 std::size_t count = 1,
-                 std::function<void(Commands::CommandReply&)> filter = {}) {
+                 std::size_t count = 1, std::function<void(Commands::CommandReply&)> filter = {}) {
         out << '\n' << ++number << ". " << title << "  [" << command << "]\n";
         OutputOptions output;
         output.filter = std::move(filter);
@@ -213,19 +212,19 @@ int Demo(std::ostream& out, std::ostream& err) {
               "ClipCreationFinished");
     const std::string clip = feed.CreatedClip();
 
-    const auto listing = tour.Step(
-        "List the clips, keeping the new one and two seeded ones", "GetClipsCommand",
-        NewParams<Commands::GetClipsCommandParams>(), nullptr, 1,
-        [&clip](Commands::CommandReply& reply) {
-            auto& clips = dynamic_cast<Commands::GetClipsCommandReply&>(reply).clips;
-            std::vector<Data::Clips::Clip> kept;
-            for (const auto& candidate : clips) {
-                if (Trimmed(candidate.umId) == clip || kept.size() < 2) {
-                    kept.push_back(candidate);
-                }
-            }
-            clips = kept;
-        });
+    const auto listing =
+        tour.Step("List the clips, keeping the new one and two seeded ones", "GetClipsCommand",
+                  NewParams<Commands::GetClipsCommandParams>(), nullptr, 1,
+                  [&clip](Commands::CommandReply& reply) {
+                      auto& clips = dynamic_cast<Commands::GetClipsCommandReply&>(reply).clips;
+                      std::vector<Data::Clips::Clip> kept;
+                      for (const auto& candidate : clips) {
+                          if (Trimmed(candidate.umId) == clip || kept.size() < 2) {
+                              kept.push_back(candidate);
+                          }
+                      }
+                      clips = kept;
+                  });
 
     auto load = NewParams<Commands::LoadClipsCommandParams>();
     load.playersParameters[player].clip = Data::Guid(clip);

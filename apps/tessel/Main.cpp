@@ -209,7 +209,8 @@ struct ClipFilter {
         auto& clips = listing->clips;
         clips.erase(std::remove_if(clips.begin(), clips.end(),
                                    [&](const auto& clip) {
-                                       const bool keep = Keeps(clip) && (limit == 0 || kept < limit);
+                                       const bool keep =
+                                           Keeps(clip) && (limit == 0 || kept < limit);
                                        kept += keep ? 1 : 0;
                                        return !keep;
                                    }),
@@ -295,8 +296,8 @@ std::string UsageErrorText(CLI::App& app, const CLI::ParseError& error) {
     if (extras.empty()) {
         extras = app.remaining();  // the leftovers of a subcommand fall through to the top
     }
-    const bool expectsSubcommand = !choices.empty() && !extras.empty() &&
-                                   !extras.front().empty() && extras.front()[0] != '-';
+    const bool expectsSubcommand =
+        !choices.empty() && !extras.empty() && !extras.front().empty() && extras.front()[0] != '-';
     if (!expectsSubcommand) {
         return error.what();
     }
@@ -313,8 +314,7 @@ std::string UsageErrorText(CLI::App& app, const CLI::ParseError& error) {
             nearest = name;
         }
     }
-    const std::string path =
-        level == &app ? std::string("tessel") : "tessel " + level->get_name();
+    const std::string path = level == &app ? std::string("tessel") : "tessel " + level->get_name();
     return "unknown subcommand \"" + word + "\"" +
            (nearest.empty() ? "" : " (did you mean \"" + nearest + "\"?)") + "; " + path +
            " has: " + names;
@@ -631,9 +631,8 @@ private:
         watch->add_option("topics", topics,
                           "Topic prefixes: ClipCommand, ClipStatus, ChannelStatus, ServerStatus, "
                           "optionally /<server name>; all when none");
-        auto* count =
-            watch->add_option("--count", watchCount, "Stop after this many notifications")
-                ->check(WholeInRange(1, kInt64Max));
+        auto* count = watch->add_option("--count", watchCount, "Stop after this many notifications")
+                          ->check(WholeInRange(1, kInt64Max));
         On(watch, [this, count] {
             std::optional<std::size_t> limit;
             if (count->count() != 0) {
@@ -753,14 +752,13 @@ std::string ParametersText(const std::string& argument, std::istream& in) {
     while (source.read(chunk, sizeof chunk) || source.gcount() > 0) {
         text.append(chunk, static_cast<std::size_t>(source.gcount()));
         if (text.size() > kParametersLimit) {
-            throw CliError(ExitCode::BadInput, "the parameters in " + what +
-                                                   " are over the limit of 16 MiB");
+            throw CliError(ExitCode::BadInput,
+                           "the parameters in " + what + " are over the limit of 16 MiB");
         }
     }
     if (source.bad()) {
-        throw CliError(ExitCode::BadInput,
-                       "cannot read " + what + ": " +
-                           (errno != 0 ? std::strerror(errno) : "read failed"));
+        throw CliError(ExitCode::BadInput, "cannot read " + what + ": " +
+                                               (errno != 0 ? std::strerror(errno) : "read failed"));
     }
     return text;
 }
@@ -786,26 +784,34 @@ Replies Execute(Session& session, const std::string& commandName,
     const bool custom = output.readable && !output.json;
     std::unique_ptr<Commands::CommandReply> last;  // the custom form shows only the final
     Replies kept;
-    session.Call(
-        commandName, params,
-        [&](std::unique_ptr<Commands::CommandReply> reply, bool final) {
-            progress.Finish();  // a table row must not land on the progress line
-            if (output.filter) {
-                output.filter(*reply);
-            }
-            if (custom) {
-                last = std::move(reply);
-            } else {
-                printer.Add(*reply);
-                out.flush();
-                CheckOutput(out);
-            }
-            progress.Add(last ? *last : *reply, final);
-            if (output.keep && reply) {
-                kept.push_back(std::move(reply));
-            }
-        },
-        output.interrupted);
+    try {
+        session.Call(
+            commandName, params,
+            [&](std::unique_ptr<Commands::CommandReply> reply, bool final) {
+                progress.Finish();  // a table row must not land on the progress line
+                if (output.filter) {
+                    output.filter(*reply);
+                }
+                if (custom) {
+                    last = std::move(reply);
+                } else {
+                    printer.Add(*reply);
+                    out.flush();
+                    CheckOutput(out);
+                }
+                progress.Add(last ? *last : *reply, final);
+                if (output.keep && reply) {
+                    kept.push_back(std::move(reply));
+                }
+            },
+            output.interrupted);
+    } catch (const CliError&) {
+        // What arrived before the failure (a time-out, a signal) is shown whole.
+        progress.Finish();
+        printer.Finish();
+        out.flush();
+        throw;
+    }
     progress.Finish();
     printer.Finish();
     if (custom && last) {

@@ -129,8 +129,7 @@ void Show(const Commands::GetChannelsCommandReply& reply, Tables&, std::ostream&
     for (const auto& [channel, state] : reply.playerStates) {
         players.AddRow({channel.ToString(), state.channelName, PlayModeText(state.playMode),
                         LoadedText(state), Dash(state.currentTimecode),
-                        SpeedText(state.infoOnAir.speedNumerator,
-                                  state.infoOnAir.speedDenominator),
+                        SpeedText(state.infoOnAir.speedNumerator, state.infoOnAir.speedDenominator),
                         Dash(state.remainingTimecode)});
     }
     players.Finish();
@@ -139,8 +138,7 @@ void Show(const Commands::GetChannelsCommandReply& reply, Tables&, std::ostream&
                     "no recorders");
     for (const auto& [channel, state] : reply.recorderStates) {
         recorders.AddRow({channel.ToString(), state.channelName,
-                          state.isRecording ? "recording" : "stopped",
-                          Dash(state.currentTimecode),
+                          state.isRecording ? "recording" : "stopped", Dash(state.currentTimecode),
                           state.isRecording ? Dash(state.recordStartTimecode) : "-",
                           FieldsText(state.recordedFields)});
     }
@@ -153,8 +151,8 @@ std::size_t Count(const Commands::GetMultiviewerDataCommandReply& reply) {
 }
 Tables Open(const Commands::GetMultiviewerDataCommandReply*, std::ostream& out) {
     return OneTable(out,
-                    {"PLAYER", "MESSAGE", "CONTROL", "PROGRAM", "POST-ROLL", "CLIP IN",
-                     "CLIP OUT", "FIRST OUTPUT"},
+                    {"PLAYER", "MESSAGE", "CONTROL", "PROGRAM", "POST-ROLL", "CLIP IN", "CLIP OUT",
+                     "FIRST OUTPUT"},
                     "no multiviewer data");
 }
 void Show(const Commands::GetMultiviewerDataCommandReply& reply, Tables& tables, std::ostream&) {
@@ -180,13 +178,13 @@ Tables Open(const Commands::GetClipsCommandReply*, std::ostream& out) {
     return OneTable(out, {"UMID", "NAME", "DURATION", "IN", "KEYWORDS"}, "no clips");
 }
 void Show(const Commands::GetClipsCommandReply& reply, Tables& tables, std::ostream&) {
-    ShowItems(reply, &Commands::GetClipsCommandReply::clips, tables,
-              [](const Data::Clips::Clip& clip, Table& table) {
-                  table.AddRow({Trimmed(clip.umId), TextOf(clip.name),
-                                FieldsText(clip.outBoundField - clip.inBoundField),
-                                Dash(clip.inBoundTodTimecode.value_or("")),
-                                KeywordsText(clip.keywords)});
-              });
+    ShowItems(
+        reply, &Commands::GetClipsCommandReply::clips, tables,
+        [](const Data::Clips::Clip& clip, Table& table) {
+            table.AddRow({Trimmed(clip.umId), TextOf(clip.name),
+                          FieldsText(clip.outBoundField - clip.inBoundField),
+                          Dash(clip.inBoundTodTimecode.value_or("")), KeywordsText(clip.keywords)});
+        });
 }
 void Failures(const Commands::GetClipsCommandReply&, std::vector<std::string>&) {}
 
@@ -257,10 +255,9 @@ Tables Open(const Commands::GetServersCommandReply*, std::ostream& out) {
 void Show(const Commands::GetServersCommandReply& reply, Tables& tables, std::ostream&) {
     ShowItems(reply, &Commands::GetServersCommandReply::servers, tables,
               [](const Data::Servers::ServerInfo& server, Table& table) {
-                  table.AddRow({std::to_string(server.serverId), server.name,
-                                Dash(server.hostName), Dash(server.version),
-                                std::to_string(server.status), JoinNumbers(server.channelNumbers),
-                                server.isLocal ? "yes" : ""});
+                  table.AddRow({std::to_string(server.serverId), server.name, Dash(server.hostName),
+                                Dash(server.version), std::to_string(server.status),
+                                JoinNumbers(server.channelNumbers), server.isLocal ? "yes" : ""});
               });
 }
 void Failures(const Commands::GetServersCommandReply&, std::vector<std::string>&) {}
@@ -272,16 +269,16 @@ Tables Open(const Commands::GetTrainsCommandReply*, std::ostream& out) {
     return OneTable(out, {"RECORDER", "UMID", "STATE", "RANGES", "LAST RANGE"}, "no trains");
 }
 void Show(const Commands::GetTrainsCommandReply& reply, Tables& tables, std::ostream&) {
-    ShowItems(reply, &Commands::GetTrainsCommandReply::trains, tables,
-              [](const Data::Clips::Train& train, Table& table) {
-                  const auto& ranges = train.recordingRanges;
-                  table.AddRow({Dash(train.recorderName), Trimmed(train.clip.umId),
-                                train.isRecording ? "recording" : "stopped",
-                                std::to_string(ranges.size()),
-                                ranges.empty() ? "-"
-                                               : ranges.back().inTimecode + " - " +
-                                                     ranges.back().outTimecode});
-              });
+    ShowItems(
+        reply, &Commands::GetTrainsCommandReply::trains, tables,
+        [](const Data::Clips::Train& train, Table& table) {
+            const auto& ranges = train.recordingRanges;
+            table.AddRow(
+                {Dash(train.recorderName), Trimmed(train.clip.umId),
+                 train.isRecording ? "recording" : "stopped", std::to_string(ranges.size()),
+                 ranges.empty() ? "-"
+                                : ranges.back().inTimecode + " - " + ranges.back().outTimecode});
+        });
 }
 void Failures(const Commands::GetTrainsCommandReply&, std::vector<std::string>&) {}
 
@@ -295,9 +292,9 @@ void Show(const Commands::GetPlaylistsCommandReply& reply, Tables& tables, std::
     ShowItems(reply, &Commands::GetPlaylistsCommandReply::playlists, tables,
               [](const Data::Sequences::Playlist& playlist, Table& table) {
                   const auto& track = playlist.audioVideoTrack;
-                  const auto elements =
-                      track.elements ? static_cast<std::int32_t>(track.elements->size())
-                                     : track.numberOfElements.value_or(0);
+                  const auto elements = track.elements
+                                            ? static_cast<std::int32_t>(track.elements->size())
+                                            : track.numberOfElements.value_or(0);
                   table.AddRow({Trimmed(playlist.sequence.umId), TextOf(playlist.sequence.name),
                                 std::to_string(elements),
                                 FieldsText(playlist.sequence.durationWithoutEffects)});

@@ -170,21 +170,25 @@ std::string LinkFailureText(const Messaging::EndPoint& endpoint, std::chrono::mi
                    "): start the server, or give its address with " + option;
         case ProbeResult::Listening:
             if (endpoint.IsEncrypted()) {
-                return "the server at " + address + " accepts connections but the encrypted "
-                       "handshake did not complete within " + SecondsText(timeout) +
+                return "the server at " + address +
+                       " accepts connections but the encrypted "
+                       "handshake did not complete within " +
+                       SecondsText(timeout) +
                        ": check --server-key (the server's public key), or leave it out if the "
                        "server does not encrypt";
             }
-            return "the server at " + address + " accepts connections but the handshake did not "
-                   "complete within " + SecondsText(timeout) +
+            return "the server at " + address +
+                   " accepts connections but the handshake did not "
+                   "complete within " +
+                   SecondsText(timeout) +
                    ": it may require encryption (give its public key with --server-key), or it "
                    "is not a replay server";
         case ProbeResult::Unknown:
             break;
     }
-    return "no server at " + address + ": the link did not come up within " +
-           SecondsText(timeout) + (probe.detail.empty() ? "" : " (" + probe.detail + ")") +
-           "; check " + option + " and the network, or give it longer with --timeout";
+    return "no server at " + address + ": the link did not come up within " + SecondsText(timeout) +
+           (probe.detail.empty() ? "" : " (" + probe.detail + ")") + "; check " + option +
+           " and the network, or give it longer with --timeout";
 }
 
 std::string SecondsText(std::chrono::milliseconds duration) {
@@ -239,8 +243,8 @@ Client::CommandClient& Session::ClientOf(const CommandFamily& family) {
         made = std::make_unique<Client::CommandClient>(
             std::move(messenger), family.makePayloadBuilder(), family.makeReplyBuilder());
     } catch (const std::exception& error) {
-        throw CliError(ExitCode::Local, "cannot open the link to " + endpoint.Address() + ": " +
-                                            error.what());
+        throw CliError(ExitCode::Local,
+                       "cannot open the link to " + endpoint.Address() + ": " + error.what());
     }
     // A command sent on a link that is not up is dropped; wait for the link instead.
     std::unique_lock<std::mutex> lock(link->mutex);

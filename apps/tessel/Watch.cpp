@@ -7,9 +7,9 @@
 
 #include <atomic>
 #include <cerrno>
+#include <condition_variable>
 #include <cstring>
 #include <iostream>
-#include <condition_variable>
 #include <memory>
 #include <mutex>
 #include <thread>
@@ -60,8 +60,8 @@ int Watch(const ConnectionSettings& settings, const std::vector<std::string>& to
         client = std::make_unique<Client::NotificationClient>(
             std::vector<Messaging::EndPoint>{endpoint}, topics);
     } catch (const std::exception& error) {
-        throw CliError(ExitCode::Local, "cannot open the link to " + endpoint.Address() + ": " +
-                                            error.what());
+        throw CliError(ExitCode::Local,
+                       "cannot open the link to " + endpoint.Address() + ": " + error.what());
     }
     {
         auto handlersLock = client->LockHandlers();
