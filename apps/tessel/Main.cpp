@@ -374,7 +374,8 @@ private:
         call->add_option("command", callName, "Command name, such as PlayCommand (see --list)");
         call->add_option("parameters", callParameters,
                          "JSON object of the command's parameters; @FILE reads a file, - standard "
-                         "input; {} when absent (a missing commandGuid is generated)");
+                         "input (at most 16 MiB); {} when absent (a missing commandGuid is "
+                         "generated)");
         call->add_flag("--list", callList, "List the command names");
         On(call, [this] {
             if (callList) {
@@ -624,10 +625,13 @@ private:
     }
 
     void AddWatchAndDemo() {
-        auto* watch = Subcommand(app, "watch", "Print notifications as they arrive, until Ctrl-C",
-                                 {"tessel watch", "tessel watch ChannelStatus",
-                                  "tessel watch ClipCommand/replay-1 ClipStatus --json",
-                                  "tessel watch --count 1 ServerStatus"});
+        auto* watch =
+            Subcommand(app, "watch",
+                       "Print notifications as they arrive, until Ctrl-C (the link must come "
+                       "up within --timeout)",
+                       {"tessel watch", "tessel watch ChannelStatus",
+                        "tessel watch ClipCommand/replay-1 ClipStatus --json",
+                        "tessel watch --count 1 ServerStatus"});
         watch->add_option("topics", topics,
                           "Topic prefixes: ClipCommand, ClipStatus, ChannelStatus, ServerStatus, "
                           "optionally /<server name>; all when none");
