@@ -9,6 +9,7 @@
 namespace Korvo::Plexis::Tessel::Cli {
 
 /// The process exit codes of `tessel`. The values are part of its interface (README, --help).
+/// Besides these, 128 + the signal's number (130, 143) when SIGINT or SIGTERM ended a command.
 enum class ExitCode : int {
     Ok = 0,
     Failed = 1,    ///< the server answered with a failure (FailureReply, UnknownCommand, a result

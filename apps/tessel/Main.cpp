@@ -716,8 +716,8 @@ const char* ExitCodeHelp() {
            "  130, 143  SIGINT or SIGTERM ended a command; the lines printed before are whole\n"
            "\n"
            "Limits: parameters from @FILE or - are read up to 16 MiB. Replies are printed as\n"
-           "their messages arrive (tables are sized on their first 1000 rows), so a listing of\n"
-           "any length is never held in memory.";
+           "their messages arrive (tables are sized on their first 1000 rows); the tool does\n"
+           "not keep a listing, whatever its length.";
 }
 
 void CheckOutput(std::ostream& out) {
