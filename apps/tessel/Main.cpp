@@ -55,16 +55,18 @@ using Data::Channels::Guid;
 
 namespace {
 
-// The signal that asked a command to stop, for the wait to notice; 0 while none came.
-volatile std::sig_atomic_t receivedSignal = 0;
+// The signal that asked a command to stop, for the wait to notice; 0 while none came. Set by a
+// handler that may run on any thread: a lock-free atomic is safe there.
+std::atomic<int> receivedSignal{0};
+static_assert(std::atomic<int>::is_always_lock_free);
 
 extern "C" void NoteSignal(int signal) {
-    if (receivedSignal != 0) {
+    if (receivedSignal.load() != 0) {
         // A second signal while the first is not yet acted on (a blocked write): end now.
         std::signal(signal, SIG_DFL);
         std::raise(signal);
     }
-    receivedSignal = signal;
+    receivedSignal.store(signal);
 }
 
 // SIGINT and SIGTERM only set `receivedSignal` while a command runs, so that the tool ends
@@ -86,7 +88,7 @@ public:
     SignalGuard(const SignalGuard&) = delete;
     SignalGuard& operator=(const SignalGuard&) = delete;
 
-    static int Received() { return receivedSignal; }
+    static int Received() { return receivedSignal.load(); }
 
 private:
     struct sigaction previousInterrupt {};
