@@ -101,10 +101,12 @@ public:
     /// (none when null) before showing what arrived. Throws `CliError` when a step fails.
     Replies Step(const std::string& title, const std::string& command,
                  const Commands::CommandParams& params, const char* expect = nullptr,
-                 std::size_t count = 1, std::function<void(Replies&)> filter = {}) {
+                 std::size_t count = 1, std::function<void(Commands::CommandReply&)> filter = {}) {
         out << '\n' << ++number << ". " << title << "  [" << command << "]\n";
-        Replies replies =
-            Execute(session, command, params, {false, false, std::move(filter), {}}, out, err);
+        OutputOptions output;
+        output.filter = std::move(filter);
+        output.keep = true;  // the demo's own simulator: small replies
+        Replies replies = Execute(session, command, params, output, out, err);
         if (expect != nullptr) {
             Expect(expect, count, command);
         }
@@ -210,18 +212,19 @@ int Demo(std::ostream& out, std::ostream& err) {
               "ClipCreationFinished");
     const std::string clip = feed.CreatedClip();
 
-    const auto listing = tour.Step(
-        "List the clips, keeping the new one and two seeded ones", "GetClipsCommand",
-        NewParams<Commands::GetClipsCommandParams>(), nullptr, 1, [&clip](Replies& replies) {
-            auto& clips = dynamic_cast<Commands::GetClipsCommandReply&>(*replies.back()).clips;
-            std::vector<Data::Clips::Clip> kept;
-            for (const auto& candidate : clips) {
-                if (Trimmed(candidate.umId) == clip || kept.size() < 2) {
-                    kept.push_back(candidate);
-                }
-            }
-            clips = kept;
-        });
+    const auto listing =
+        tour.Step("List the clips, keeping the new one and two seeded ones", "GetClipsCommand",
+                  NewParams<Commands::GetClipsCommandParams>(), nullptr, 1,
+                  [&clip](Commands::CommandReply& reply) {
+                      auto& clips = dynamic_cast<Commands::GetClipsCommandReply&>(reply).clips;
+                      std::vector<Data::Clips::Clip> kept;
+                      for (const auto& candidate : clips) {
+                          if (Trimmed(candidate.umId) == clip || kept.size() < 2) {
+                              kept.push_back(candidate);
+                          }
+                      }
+                      clips = kept;
+                  });
 
     auto load = NewParams<Commands::LoadClipsCommandParams>();
     load.playersParameters[player].clip = Data::Guid(clip);

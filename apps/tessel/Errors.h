@@ -9,6 +9,7 @@
 namespace Korvo::Plexis::Tessel::Cli {
 
 /// The process exit codes of `tessel`. The values are part of its interface (README, --help).
+/// Besides these, 128 + the signal's number (130, 143) when SIGINT or SIGTERM ended a command.
 enum class ExitCode : int {
     Ok = 0,
     Failed = 1,    ///< the server answered with a failure (FailureReply, UnknownCommand, a result
@@ -18,6 +19,8 @@ enum class ExitCode : int {
     TimedOut = 4,  ///< the link was up but no reply came within the time-out
     NoServer = 5,  ///< the link to the server never came up within the time-out
     BadReply = 6,  ///< a reply could not be decoded, or the link failed while waiting
+    Local = 7,     ///< the tool itself could not go on: standard output could not be written, or
+                   ///< a resource of this host ran out (open files, memory)
 };
 
 /// The footer of `tessel --help`: the exit codes above, one line each.

@@ -1,13 +1,20 @@
 // The command line of `tessel`: global options, one subcommand per task, and the mapping of every
 // failure to its exit code.
 
+#include <signal.h>
+
 #include <algorithm>
 #include <atomic>
 #include <cctype>
+#include <cerrno>
 #include <chrono>
+#include <cmath>
+#include <csignal>
 #include <cstdio>
+#include <cstring>
 #include <fstream>
 #include <iterator>
+#include <limits>
 #include <memory>
 #include <random>
 #include <set>
@@ -48,6 +55,46 @@ using Data::Channels::Guid;
 
 namespace {
 
+// The signal that asked a command to stop, for the wait to notice; 0 while none came. Set by a
+// handler that may run on any thread: a lock-free atomic is safe there.
+std::atomic<int> receivedSignal{0};
+static_assert(std::atomic<int>::is_always_lock_free);
+
+extern "C" void NoteSignal(int signal) {
+    if (receivedSignal.load() != 0) {
+        // A second signal while the first is not yet acted on (a blocked write): end now.
+        std::signal(signal, SIG_DFL);
+        std::raise(signal);
+    }
+    receivedSignal.store(signal);
+}
+
+// SIGINT and SIGTERM only set `receivedSignal` while a command runs, so that the tool ends
+// between two lines of output (never inside one) with 128 + the signal.
+class SignalGuard {
+public:
+    SignalGuard() {
+        struct sigaction action {};
+        action.sa_handler = NoteSignal;
+        action.sa_flags = SA_RESTART;
+        sigemptyset(&action.sa_mask);
+        sigaction(SIGINT, &action, &previousInterrupt);
+        sigaction(SIGTERM, &action, &previousTerminate);
+    }
+    ~SignalGuard() {
+        sigaction(SIGINT, &previousInterrupt, nullptr);
+        sigaction(SIGTERM, &previousTerminate, nullptr);
+    }
+    SignalGuard(const SignalGuard&) = delete;
+    SignalGuard& operator=(const SignalGuard&) = delete;
+
+    static int Received() { return receivedSignal.load(); }
+
+private:
+    struct sigaction previousInterrupt {};
+    struct sigaction previousTerminate {};
+};
+
 // What every subcommand shares: the global options and the session, made on first use.
 struct Context {
     Context(std::istream& in, std::ostream& out, std::ostream& err) : in(in), out(out), err(err) {}
@@ -68,12 +115,18 @@ struct Context {
         return *session;
     }
 
-    OutputOptions Output(std::function<void(Replies&)> filter = {}) const {
-        return {json, StandardErrorIsTerminal(), std::move(filter), {}};
+    OutputOptions Output(std::function<void(Commands::CommandReply&)> filter = {}) const {
+        OutputOptions options;
+        options.json = json;
+        options.progress = StandardErrorIsTerminal();
+        options.filter = std::move(filter);
+        options.interrupted = &SignalGuard::Received;
+        return options;
     }
 
     int Send(const std::string& name, const Commands::CommandParams& params,
-             std::function<void(Replies&)> filter = {}) {
+             std::function<void(Commands::CommandReply&)> filter = {}) {
+        SignalGuard guard;
         Execute(GetSession(), name, params, Output(std::move(filter)), out, err);
         return 0;
     }
@@ -127,24 +180,6 @@ std::pair<std::int32_t, std::int32_t> ParseSpeed(const std::string& text) {
     }
 }
 
-// The parameters text of `call`: inline, "@file", "-" for standard input, "{}" when absent.
-std::string ParametersText(const std::string& argument, std::istream& in) {
-    if (argument.empty()) {
-        return "{}";
-    }
-    if (argument == "-") {
-        return std::string(std::istreambuf_iterator<char>(in), {});
-    }
-    if (argument[0] == '@') {
-        std::ifstream file(argument.substr(1), std::ios::binary);
-        if (!file) {
-            throw CliError(ExitCode::BadInput, "cannot read " + argument.substr(1));
-        }
-        return std::string(std::istreambuf_iterator<char>(file), {});
-    }
-    return argument;
-}
-
 bool ContainsFolded(const std::string& text, const std::string& part) {
     return std::search(text.begin(), text.end(), part.begin(), part.end(), [](char a, char b) {
                return std::tolower(static_cast<unsigned char>(a)) ==
@@ -168,25 +203,124 @@ struct ClipFilter {
                clip.umId.compare(0, umId.size(), umId) == 0;
     }
 
-    void Apply(Replies& replies) const {
-        std::size_t kept = 0;
-        for (auto& reply : replies) {
-            auto* listing = dynamic_cast<Commands::GetClipsCommandReply*>(reply.get());
-            if (listing == nullptr) {
-                continue;
+    void Apply(Commands::CommandReply& reply) {
+        auto* listing = dynamic_cast<Commands::GetClipsCommandReply*>(&reply);
+        if (listing == nullptr) {
+            return;
+        }
+        auto& clips = listing->clips;
+        clips.erase(std::remove_if(clips.begin(), clips.end(),
+                                   [&](const auto& clip) {
+                                       const bool keep =
+                                           Keeps(clip) && (limit == 0 || kept < limit);
+                                       kept += keep ? 1 : 0;
+                                       return !keep;
+                                   }),
+                    clips.end());
+    }
+
+private:
+    std::size_t kept = 0;  // over every part of the listing
+};
+
+// The range of --timeout, in seconds: long enough for any link, short enough that the time in
+// milliseconds never overflows.
+constexpr double kShortestTimeout = 0.001;
+constexpr double kLongestTimeout = 86400;
+
+// A number of seconds from `low` to `high`; refuses nan, infinities and texts that are not
+// numbers, naming the range.
+CLI::Validator SecondsInRange(double low, double high) {
+    char range[64];
+    std::snprintf(range, sizeof range, "%g to %g", low, high);
+    return CLI::Validator(
+        [low, high, range = std::string(range)](std::string& text) -> std::string {
+            char* end = nullptr;
+            errno = 0;
+            const double value = std::strtod(text.c_str(), &end);
+            if (end == text.c_str() || *end != '\0' || !std::isfinite(value) || value < low ||
+                value > high) {
+                return "\"" + text + "\" is not a number of seconds from " + range;
             }
-            auto& clips = listing->clips;
-            clips.erase(std::remove_if(clips.begin(), clips.end(),
-                                       [&](const auto& clip) {
-                                           const bool keep =
-                                               Keeps(clip) && (limit == 0 || kept < limit);
-                                           kept += keep ? 1 : 0;
-                                           return !keep;
-                                       }),
-                        clips.end());
+            return "";
+        },
+        "SECONDS (" + std::string(range) + ")");
+}
+
+// A whole number from `low` to `high`; the message names the range.
+CLI::Validator WholeInRange(long long low, long long high) {
+    const std::string range = std::to_string(low) + " to " + std::to_string(high);
+    return CLI::Validator(
+        [low, high, range](std::string& text) -> std::string {
+            char* end = nullptr;
+            errno = 0;
+            const long long value = std::strtoll(text.c_str(), &end, 10);
+            if (end == text.c_str() || *end != '\0' || errno == ERANGE || value < low ||
+                value > high) {
+                return "\"" + text + "\" is not a whole number from " + range;
+            }
+            return "";
+        },
+        "INTEGER (" + range + ")");
+}
+
+constexpr long long kInt32Max = std::numeric_limits<std::int32_t>::max();
+constexpr long long kInt32Min = std::numeric_limits<std::int32_t>::min();
+constexpr long long kInt64Max = std::numeric_limits<std::int64_t>::max();
+
+// Edit distance of two short words, for suggesting a subcommand.
+std::size_t Distance(const std::string& a, const std::string& b) {
+    std::vector<std::size_t> row(b.size() + 1);
+    for (std::size_t j = 0; j <= b.size(); ++j) {
+        row[j] = j;
+    }
+    for (std::size_t i = 1; i <= a.size(); ++i) {
+        std::size_t diagonal = row[0];
+        row[0] = i;
+        for (std::size_t j = 1; j <= b.size(); ++j) {
+            const std::size_t above = row[j];
+            row[j] = std::min({row[j] + 1, row[j - 1] + 1, diagonal + (a[i - 1] != b[j - 1])});
+            diagonal = above;
         }
     }
-};
+    return row[b.size()];
+}
+
+// The message of a command-line error. A word left over where a subcommand was expected is
+// named as an unknown subcommand, with the nearest valid one and the list.
+std::string UsageErrorText(CLI::App& app, const CLI::ParseError& error) {
+    CLI::App* level = &app;
+    while (!level->get_subcommands().empty()) {
+        level = level->get_subcommands().front();
+    }
+    const auto choices = level->get_subcommands({});
+    auto extras = level->remaining();
+    if (extras.empty()) {
+        extras = app.remaining();  // the leftovers of a subcommand fall through to the top
+    }
+    const bool expectsSubcommand =
+        !choices.empty() && !extras.empty() && !extras.front().empty() && extras.front()[0] != '-';
+    if (!expectsSubcommand) {
+        return error.what();
+    }
+    const std::string& word = extras.front();
+    std::string names;
+    std::string nearest;
+    std::size_t nearestDistance = 3;  // suggest only what is a typo or two away
+    for (const CLI::App* choice : choices) {
+        const std::string& name = choice->get_name();
+        names += (names.empty() ? "" : ", ") + name;
+        const std::size_t distance = Distance(word, name);
+        if (distance < nearestDistance || name.rfind(word, 0) == 0) {
+            nearestDistance = name.rfind(word, 0) == 0 ? 0 : distance;
+            nearest = name;
+        }
+    }
+    const std::string path = level == &app ? std::string("tessel") : "tessel " + level->get_name();
+    return "unknown subcommand \"" + word + "\"" +
+           (nearest.empty() ? "" : " (did you mean \"" + nearest + "\"?)") + "; " + path +
+           " has: " + names;
+}
 
 std::string Examples(std::initializer_list<const char*> lines) {
     std::string text = "Examples:";
@@ -242,7 +376,8 @@ private:
         call->add_option("command", callName, "Command name, such as PlayCommand (see --list)");
         call->add_option("parameters", callParameters,
                          "JSON object of the command's parameters; @FILE reads a file, - standard "
-                         "input; {} when absent (a missing commandGuid is generated)");
+                         "input (at most 16 MiB); {} when absent (a missing commandGuid is "
+                         "generated)");
         call->add_flag("--list", callList, "List the command names");
         On(call, [this] {
             if (callList) {
@@ -265,12 +400,13 @@ private:
         auto* ping = Subcommand(app, "ping", "Check that the server answers, and how fast",
                                 {"tessel ping", "tessel -c tcp://replay-1:5555 ping"});
         On(ping, [this] {
+            SignalGuard guard;
             const auto params = NewParams<Commands::PingCommandParams>();
             Session& session = context.GetSession();
             session.Connect("PingCommand", params);  // so that the time is the round trip only
             const auto start = std::chrono::steady_clock::now();
             auto output = context.Output();
-            output.readable = [this, start](const Replies&, std::ostream& out) {
+            output.readable = [this, start](std::ostream& out) {
                 const std::chrono::duration<double, std::milli> elapsed =
                     std::chrono::steady_clock::now() - start;
                 char text[64];
@@ -293,11 +429,12 @@ private:
         auto* channels = Subcommand(app, "channels", "Show the state of every player and recorder",
                                     {"tessel channels", "tessel channels --server 2",
                                      "tessel channels --json | jq '.playerStates'"});
-        channels->add_option("--server", channelServer, "Only the channels of this server");
+        channels->add_option("--server", channelServer, "Only the channels of this server")
+            ->check(WholeInRange(0, kInt32Max));
         On(channels, [this] {
             return context.Send("GetChannelsCommand",
                                 NewParams<Commands::GetChannelsCommandParams>(),
-                                [this](Replies& replies) { KeepServer(replies); });
+                                [this](Commands::CommandReply& reply) { KeepServer(reply); });
         });
 
         auto* clips =
@@ -309,10 +446,11 @@ private:
         clips->add_option("--keyword", clipFilter.keyword,
                           "Only clips with a keyword containing this (any case)");
         clips->add_option("--umid", clipFilter.umId, "Only clips whose umId starts with this");
-        clips->add_option("--limit", clipFilter.limit, "At most this many clips (0: all)");
+        clips->add_option("--limit", clipFilter.limit, "At most this many clips (0: all)")
+            ->check(WholeInRange(0, kInt64Max));
         On(clips, [this] {
             return context.Send("GetClipsCommand", NewParams<Commands::GetClipsCommandParams>(),
-                                [this](Replies& replies) { clipFilter.Apply(replies); });
+                                [this](Commands::CommandReply& reply) { clipFilter.Apply(reply); });
         });
 
         auto* trains = Subcommand(app, "trains", "List the trains that recorders feed",
@@ -364,7 +502,8 @@ private:
             {"tessel step 1:0", "tessel step 1:0 --fields 10", "tessel step 1:0 --fields=-25"});
         Players(step, players);
         step->add_option("--fields", stepFields, "Fields to step; negative steps back")
-            ->capture_default_str();
+            ->capture_default_str()
+            ->check(WholeInRange(kInt32Min, kInt32Max));
         On(step, [this] {
             auto params = NewParams<Commands::StepCommandParams>();
             params.players = ChannelSet(players, Guid::Player);
@@ -378,7 +517,8 @@ private:
         load->add_option("player", loadPlayer, "The player")->required();
         load->add_option("clip", loadClip, "The clip's umId (see tessel clips)")->required();
         load->add_option("--at", loadAt, "Cue at this time point (0: the in point)")
-            ->capture_default_str();
+            ->capture_default_str()
+            ->check(WholeInRange(std::numeric_limits<std::int64_t>::min(), kInt64Max));
         On(load, [this] {
             auto params = NewParams<Commands::LoadClipsCommandParams>();
             Commands::LoadClipCommandParam what;
@@ -487,15 +627,18 @@ private:
     }
 
     void AddWatchAndDemo() {
-        auto* watch = Subcommand(app, "watch", "Print notifications as they arrive, until Ctrl-C",
-                                 {"tessel watch", "tessel watch ChannelStatus",
-                                  "tessel watch ClipCommand/replay-1 ClipStatus --json",
-                                  "tessel watch --count 1 ServerStatus"});
+        auto* watch =
+            Subcommand(app, "watch",
+                       "Print notifications as they arrive, until Ctrl-C (the link must come "
+                       "up within --timeout)",
+                       {"tessel watch", "tessel watch ChannelStatus",
+                        "tessel watch ClipCommand/replay-1 ClipStatus --json",
+                        "tessel watch --count 1 ServerStatus"});
         watch->add_option("topics", topics,
                           "Topic prefixes: ClipCommand, ClipStatus, ChannelStatus, ServerStatus, "
                           "optionally /<server name>; all when none");
-        auto* count =
-            watch->add_option("--count", watchCount, "Stop after this many notifications");
+        auto* count = watch->add_option("--count", watchCount, "Stop after this many notifications")
+                          ->check(WholeInRange(1, kInt64Max));
         On(watch, [this, count] {
             std::optional<std::size_t> limit;
             if (count->count() != 0) {
@@ -510,19 +653,16 @@ private:
         On(demo, [this] { return Demo(context.out, context.err); });
     }
 
-    void KeepServer(Replies& replies) const {
-        if (channelServer == 0) {
+    void KeepServer(Commands::CommandReply& reply) const {
+        auto* channels = dynamic_cast<Commands::GetChannelsCommandReply*>(&reply);
+        if (channelServer == 0 || channels == nullptr) {
             return;
         }
-        for (auto& reply : replies) {
-            if (auto* channels = dynamic_cast<Commands::GetChannelsCommandReply*>(reply.get())) {
-                const auto otherServer = [this](const auto& entry) {
-                    return entry.first.GetServer() != channelServer;
-                };
-                EraseIf(channels->playerStates, otherServer);
-                EraseIf(channels->recorderStates, otherServer);
-            }
-        }
+        const auto otherServer = [this](const auto& entry) {
+            return entry.first.GetServer() != channelServer;
+        };
+        EraseIf(channels->playerStates, otherServer);
+        EraseIf(channels->recorderStates, otherServer);
     }
 
     template <class Map, class Predicate>
@@ -565,11 +705,68 @@ const char* ExitCodeHelp() {
     return "Exit codes:\n"
            "  0  success\n"
            "  1  the server reported a failure (FailureReply, UnknownCommand, a failed result)\n"
-           "  2  bad usage: unknown option, missing argument, malformed channel or speed\n"
-           "  3  bad parameters: the JSON does not fit the command (syntax, unknown field, ...)\n"
+           "  2  bad usage: unknown subcommand or option, missing argument, a value out of range,\n"
+           "     malformed channel, speed, endpoint or server key\n"
+           "  3  bad parameters: the JSON does not fit the command (syntax, unknown field, ...),\n"
+           "     or an @FILE or standard input cannot be read or is over 16 MiB\n"
            "  4  time-out: the link was up but no reply came in time (--timeout)\n"
-           "  5  no server: the link did not come up in time (endpoint, server key)\n"
-           "  6  bad reply: a reply could not be decoded, or the link failed while waiting";
+           "  5  no server: the link did not come up in time (nothing listens there, or the\n"
+           "     handshake failed: wrong or missing --server-key); the message says which\n"
+           "  6  bad reply: a reply could not be decoded, or the link failed while waiting\n"
+           "  7  local failure: standard output cannot be written (a closed pipe), or this host\n"
+           "     ran out of a resource (open files, memory)\n"
+           "  130, 143  SIGINT or SIGTERM ended a command; the lines printed before are whole\n"
+           "\n"
+           "Limits: parameters from @FILE or - are read up to 16 MiB. Replies are printed as\n"
+           "their messages arrive (tables are sized on their first 1000 rows); the tool does\n"
+           "not keep a listing, whatever its length.";
+}
+
+void CheckOutput(std::ostream& out) {
+    if (!out) {
+        const int error = errno;
+        throw CliError(ExitCode::Local, std::string("cannot write standard output: ") +
+                                            (error != 0 ? std::strerror(error) : "write failed"));
+    }
+}
+
+std::string ParametersText(const std::string& argument, std::istream& in) {
+    if (argument.empty()) {
+        return "{}";
+    }
+    if (argument != "-" && argument[0] != '@') {
+        return argument;
+    }
+    const std::string path = argument.substr(1);
+    const std::string what = argument == "-" ? "standard input" : path;
+    std::ifstream file;
+    if (argument != "-") {
+        errno = 0;
+        file.open(path, std::ios::binary);
+        if (!file) {
+            throw CliError(ExitCode::BadInput,
+                           "cannot read " + path + ": " +
+                               (errno != 0 ? std::strerror(errno) : "cannot be opened"));
+        }
+    }
+    std::istream& source = argument == "-" ? in : file;
+    // Read in chunks up to the limit: an endless source (/dev/zero, a pipe that never closes
+    // but keeps writing) ends with an error instead of using up memory.
+    std::string text;
+    char chunk[64 * 1024];
+    errno = 0;
+    while (source.read(chunk, sizeof chunk) || source.gcount() > 0) {
+        text.append(chunk, static_cast<std::size_t>(source.gcount()));
+        if (text.size() > kParametersLimit) {
+            throw CliError(ExitCode::BadInput,
+                           "the parameters in " + what + " are over the limit of 16 MiB");
+        }
+    }
+    if (source.bad()) {
+        throw CliError(ExitCode::BadInput, "cannot read " + what + ": " +
+                                               (errno != 0 ? std::strerror(errno) : "read failed"));
+    }
+    return text;
 }
 
 std::string NewCommandId() {
@@ -589,28 +786,63 @@ Replies Execute(Session& session, const std::string& commandName,
                 const Commands::CommandParams& params, const OutputOptions& output,
                 std::ostream& out, std::ostream& err) {
     Progress progress(err, output.progress);
-    Replies replies = session.Call(commandName, params, progress.Observer());
-    progress.Finish();
-    if (output.filter) {
-        output.filter(replies);
+    ReplyPrinter printer(out, output.json);
+    const bool custom = output.readable && !output.json;
+    std::unique_ptr<Commands::CommandReply> last;  // the custom form shows only the final
+    Replies kept;
+    try {
+        session.Call(
+            commandName, params,
+            [&](std::unique_ptr<Commands::CommandReply> reply, bool final) {
+                progress.Finish();  // a table row must not land on the progress line
+                if (output.filter) {
+                    output.filter(*reply);
+                }
+                if (custom) {
+                    last = std::move(reply);
+                } else {
+                    printer.Add(*reply);
+                    out.flush();
+                    CheckOutput(out);
+                }
+                progress.Add(last ? *last : *reply, final);
+                if (output.keep && reply) {
+                    kept.push_back(std::move(reply));
+                }
+            },
+            output.interrupted);
+    } catch (const CliError&) {
+        // What arrived before the failure (a time-out, a signal) is shown whole.
+        progress.Finish();
+        printer.Finish();
+        out.flush();
+        throw;
     }
-    if (output.json) {
-        PrintJson(replies, out);
-    } else if (output.readable && FailuresOf(replies).empty()) {
-        output.readable(replies, out);
-    } else {
-        PrintReadable(replies, out);
+    progress.Finish();
+    printer.Finish();
+    if (custom && last) {
+        Replies one;
+        one.push_back(std::move(last));
+        const auto failures = FailuresOf(one);
+        if (failures.empty()) {
+            output.readable(out);
+        } else {
+            PrintReadable(one, out);
+            out.flush();
+            CheckOutput(out);
+            throw CliError(ExitCode::Failed, commandName + ": " + failures.front());
+        }
     }
     out.flush();
-    const auto failures = FailuresOf(replies);
-    if (!failures.empty()) {
-        throw CliError(
-            ExitCode::Failed,
-            commandName + ": " + failures.front() +
-                (failures.size() > 1 ? " (and " + std::to_string(failures.size() - 1) + " more)"
-                                     : ""));
+    CheckOutput(out);
+    if (printer.FailureCount() != 0) {
+        throw CliError(ExitCode::Failed,
+                       commandName + ": " + printer.FirstFailure() +
+                           (printer.FailureCount() > 1
+                                ? " (and " + std::to_string(printer.FailureCount() - 1) + " more)"
+                                : ""));
     }
-    return replies;
+    return kept;
 }
 
 int Main(int argc, const char* const* argv, std::istream& in, std::ostream& out,
@@ -634,7 +866,7 @@ int Main(int argc, const char* const* argv, std::istream& in, std::ostream& out,
                    "Seconds to wait for the link to come up, then for each reply message")
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast)
         ->capture_default_str()
-        ->check(CLI::PositiveNumber);
+        ->check(SecondsInRange(kShortestTimeout, kLongestTimeout));
     app.add_option("-k,--server-key", context.settings.serverKey,
                    "The server's CURVE public key (Z85 or hex): encrypts both links")
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
@@ -658,33 +890,42 @@ int Main(int argc, const char* const* argv, std::istream& in, std::ostream& out,
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
         if (error.get_exit_code() == 0) {
-            return app.exit(error, out, err);
+            const int code = app.exit(error, out, err);
+            out.flush();
+            return out ? code : static_cast<int>(ExitCode::Local);
         }
-        err << "tessel: " << error.what() << " (see tessel --help)\n";
+        err << "tessel: " << Printable(UsageErrorText(app, error)) << " (see tessel --help)\n";
         return static_cast<int>(ExitCode::Usage);
     }
     context.settings.timeout =
-        std::chrono::milliseconds(static_cast<std::int64_t>(context.timeoutSeconds * 1000.0 + 0.5));
+        std::chrono::milliseconds(std::llround(context.timeoutSeconds * 1000.0));
     SetUpLogging(context.logLevel);
 
+    // Texts in messages may come from the server (a failure's message, a reply's header).
+    const auto fail = [&err](ExitCode code, const std::string& message) {
+        err << "tessel: " << Printable(message) << '\n' << std::flush;
+        return static_cast<int>(code);
+    };
     try {
         if (!action) {
             throw CliError(ExitCode::Usage, "a subcommand is required (see tessel --help)");
         }
-        return action();
+        const int code = action();
+        out.flush();
+        CheckOutput(out);
+        return code;
     } catch (const CliError& error) {
-        err << "tessel: " << error.what() << '\n';
-        return static_cast<int>(error.GetCode());
+        return fail(error.GetCode(), error.what());
     } catch (const Json::JsonError& error) {
-        err << "tessel: bad parameters (" << Json::JsonError::KindName(error.GetKind())
-            << "): " << error.what() << '\n';
-        return static_cast<int>(ExitCode::BadInput);
+        return fail(ExitCode::BadInput, std::string("bad parameters (") +
+                                            Json::JsonError::KindName(error.GetKind()) +
+                                            "): " + error.what());
     } catch (const Common::Messaging::Exception& error) {
-        err << "tessel: " << error.what() << '\n';
-        return static_cast<int>(ExitCode::NoServer);
+        return fail(ExitCode::NoServer, error.what());
+    } catch (const std::bad_alloc&) {
+        return fail(ExitCode::Local, "out of memory");
     } catch (const std::exception& error) {
-        err << "tessel: " << error.what() << '\n';
-        return static_cast<int>(ExitCode::BadReply);
+        return fail(ExitCode::BadReply, error.what());
     }
 }
 

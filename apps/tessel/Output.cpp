@@ -31,23 +31,17 @@ using Commands::CommandReply;
 namespace {
 
 // ---------------------------------------------------------------------------------------------
-// One function set per reply class: how many items a message holds, how a person sees the
-// messages of one reply, and which of its items failed.
+// One function set per reply class: how many items a message holds, the tables its messages
+// share (`Open`), how one message is shown into them (`Show`), and which of its items failed.
+// A class whose messages each print on their own opens no table.
 
-template <class R>
-using Messages = std::vector<const R*>;
+using Tables = std::vector<Table>;
 
 template <class R, class Item, class AddRow>
-void PrintItems(const Messages<R>& replies, std::vector<Item> R::*items,
-                std::vector<std::string> headers, const char* empty, AddRow addRow,
-                std::ostream& out) {
-    Table table(std::move(headers));
-    for (const R* reply : replies) {
-        for (const Item& item : reply->*items) {
-            addRow(item, table);
-        }
+void ShowItems(const R& reply, const std::vector<Item> R::*items, Tables& tables, AddRow addRow) {
+    for (const Item& item : reply.*items) {
+        addRow(item, tables.front());
     }
-    table.Print(out, empty);
 }
 
 void AddFailure(const Data::OperationStatus& status, const std::string& what,
@@ -57,12 +51,21 @@ void AddFailure(const Data::OperationStatus& status, const std::string& what,
     }
 }
 
+Tables OneTable(std::ostream& out, std::vector<std::string> headers, const char* empty) {
+    Tables tables;
+    tables.emplace_back(out, std::move(headers), empty);
+    return tables;
+}
+
 // Replies without items.
 
 std::size_t Count(const Commands::SuccessReply&) {
     return 0;
 }
-void Print(const Messages<Commands::SuccessReply>&, std::ostream& out) {
+Tables Open(const Commands::SuccessReply*, std::ostream&) {
+    return {};
+}
+void Show(const Commands::SuccessReply&, Tables&, std::ostream& out) {
     out << "ok\n";
 }
 void Failures(const Commands::SuccessReply&, std::vector<std::string>&) {}
@@ -70,8 +73,11 @@ void Failures(const Commands::SuccessReply&, std::vector<std::string>&) {}
 std::size_t Count(const Commands::FailureReply&) {
     return 0;
 }
-void Print(const Messages<Commands::FailureReply>& replies, std::ostream& out) {
-    out << "failed: " << replies.back()->message << '\n';
+Tables Open(const Commands::FailureReply*, std::ostream&) {
+    return {};
+}
+void Show(const Commands::FailureReply& reply, Tables&, std::ostream& out) {
+    out << "failed: " << Printable(reply.message) << '\n';
 }
 void Failures(const Commands::FailureReply& reply, std::vector<std::string>& failures) {
     failures.push_back("the server failed the command: " + reply.message);
@@ -80,8 +86,11 @@ void Failures(const Commands::FailureReply& reply, std::vector<std::string>& fai
 std::size_t Count(const Commands::UnknownCommandReply&) {
     return 0;
 }
-void Print(const Messages<Commands::UnknownCommandReply>& replies, std::ostream& out) {
-    out << "unknown command: " << replies.back()->message << '\n';
+Tables Open(const Commands::UnknownCommandReply*, std::ostream&) {
+    return {};
+}
+void Show(const Commands::UnknownCommandReply& reply, Tables&, std::ostream& out) {
+    out << "unknown command: " << Printable(reply.message) << '\n';
 }
 void Failures(const Commands::UnknownCommandReply& reply, std::vector<std::string>& failures) {
     failures.push_back("the server does not know the command: " + reply.message);
@@ -92,14 +101,13 @@ void Failures(const Commands::UnknownCommandReply& reply, std::vector<std::strin
 std::size_t Count(const Commands::ChannelCommandReply& reply) {
     return static_cast<std::size_t>(reply.count);
 }
-void Print(const Messages<Commands::ChannelCommandReply>& replies, std::ostream& out) {
-    Table table({"CHANNEL", "RESULT"});
-    for (const auto* reply : replies) {
-        for (const auto& result : *reply) {
-            table.AddRow({result.channelGuid.ToString(), StatusText(result.status)});
-        }
+Tables Open(const Commands::ChannelCommandReply*, std::ostream& out) {
+    return OneTable(out, {"CHANNEL", "RESULT"}, "no channel results");
+}
+void Show(const Commands::ChannelCommandReply& reply, Tables& tables, std::ostream&) {
+    for (const auto& result : reply) {
+        tables.front().AddRow({result.channelGuid.ToString(), StatusText(result.status)});
     }
-    table.Print(out, "no channel results");
 }
 void Failures(const Commands::ChannelCommandReply& reply, std::vector<std::string>& failures) {
     for (const auto& result : reply) {
@@ -107,50 +115,54 @@ void Failures(const Commands::ChannelCommandReply& reply, std::vector<std::strin
     }
 }
 
+// Players and recorders are two tables, so each message prints its own pair (a server sends
+// the channels in one message; a listing in parts shows one pair per part).
 std::size_t Count(const Commands::GetChannelsCommandReply& reply) {
     return reply.playerStates.size() + reply.recorderStates.size();
 }
-void Print(const Messages<Commands::GetChannelsCommandReply>& replies, std::ostream& out) {
-    Table players({"PLAYER", "NAME", "MODE", "LOADED", "TIMECODE", "SPEED", "REMAINING"});
-    Table recorders({"RECORDER", "NAME", "STATE", "TIMECODE", "SINCE", "RECORDED"});
-    for (const auto* reply : replies) {
-        for (const auto& [channel, state] : reply->playerStates) {
-            players.AddRow(
-                {channel.ToString(), state.channelName, PlayModeText(state.playMode),
-                 LoadedText(state), Dash(state.currentTimecode),
-                 SpeedText(state.infoOnAir.speedNumerator, state.infoOnAir.speedDenominator),
-                 Dash(state.remainingTimecode)});
-        }
-        for (const auto& [channel, state] : reply->recorderStates) {
-            recorders.AddRow({channel.ToString(), state.channelName,
-                              state.isRecording ? "recording" : "stopped",
-                              Dash(state.currentTimecode),
-                              state.isRecording ? Dash(state.recordStartTimecode) : "-",
-                              FieldsText(state.recordedFields)});
-        }
+Tables Open(const Commands::GetChannelsCommandReply*, std::ostream&) {
+    return {};
+}
+void Show(const Commands::GetChannelsCommandReply& reply, Tables&, std::ostream& out) {
+    Table players(out, {"PLAYER", "NAME", "MODE", "LOADED", "TIMECODE", "SPEED", "REMAINING"},
+                  "no players");
+    for (const auto& [channel, state] : reply.playerStates) {
+        players.AddRow({channel.ToString(), state.channelName, PlayModeText(state.playMode),
+                        LoadedText(state), Dash(state.currentTimecode),
+                        SpeedText(state.infoOnAir.speedNumerator, state.infoOnAir.speedDenominator),
+                        Dash(state.remainingTimecode)});
     }
-    players.Print(out, "no players");
+    players.Finish();
     out << '\n';
-    recorders.Print(out, "no recorders");
+    Table recorders(out, {"RECORDER", "NAME", "STATE", "TIMECODE", "SINCE", "RECORDED"},
+                    "no recorders");
+    for (const auto& [channel, state] : reply.recorderStates) {
+        recorders.AddRow({channel.ToString(), state.channelName,
+                          state.isRecording ? "recording" : "stopped", Dash(state.currentTimecode),
+                          state.isRecording ? Dash(state.recordStartTimecode) : "-",
+                          FieldsText(state.recordedFields)});
+    }
+    recorders.Finish();
 }
 void Failures(const Commands::GetChannelsCommandReply&, std::vector<std::string>&) {}
 
 std::size_t Count(const Commands::GetMultiviewerDataCommandReply& reply) {
     return reply.playerDataOverrides.size();
 }
-void Print(const Messages<Commands::GetMultiviewerDataCommandReply>& replies, std::ostream& out) {
-    Table table({"PLAYER", "MESSAGE", "CONTROL", "PROGRAM", "POST-ROLL", "CLIP IN", "CLIP OUT",
-                 "FIRST OUTPUT"});
-    for (const auto* reply : replies) {
-        for (const auto& [player, data] : reply->playerDataOverrides) {
-            table.AddRow({player.ToString(), OptionalText(data.message),
-                          OptionalText(data.controlMode), OptionalText(data.programMode),
-                          OptionalText(data.isPostRollEnabled), OptionalText(data.clipCreationIn),
-                          OptionalText(data.clipCreationOut),
-                          OptionalText(data.isFirstControlledMediaOutput)});
-        }
+Tables Open(const Commands::GetMultiviewerDataCommandReply*, std::ostream& out) {
+    return OneTable(out,
+                    {"PLAYER", "MESSAGE", "CONTROL", "PROGRAM", "POST-ROLL", "CLIP IN", "CLIP OUT",
+                     "FIRST OUTPUT"},
+                    "no multiviewer data");
+}
+void Show(const Commands::GetMultiviewerDataCommandReply& reply, Tables& tables, std::ostream&) {
+    for (const auto& [player, data] : reply.playerDataOverrides) {
+        tables.front().AddRow(
+            {player.ToString(), OptionalText(data.message), OptionalText(data.controlMode),
+             OptionalText(data.programMode), OptionalText(data.isPostRollEnabled),
+             OptionalText(data.clipCreationIn), OptionalText(data.clipCreationOut),
+             OptionalText(data.isFirstControlledMediaOutput)});
     }
-    table.Print(out, "no multiviewer data");
 }
 void Failures(const Commands::GetMultiviewerDataCommandReply& reply,
               std::vector<std::string>& failures) {
@@ -159,33 +171,35 @@ void Failures(const Commands::GetMultiviewerDataCommandReply& reply,
 
 // Data commands.
 
-void AddClipRow(const Data::Clips::Clip& clip, Table& table) {
-    table.AddRow({Trimmed(clip.umId), TextOf(clip.name),
-                  FieldsText(clip.outBoundField - clip.inBoundField),
-                  Dash(clip.inBoundTodTimecode.value_or("")), KeywordsText(clip.keywords)});
-}
-
 std::size_t Count(const Commands::GetClipsCommandReply& reply) {
     return reply.clips.size();
 }
-void Print(const Messages<Commands::GetClipsCommandReply>& replies, std::ostream& out) {
-    PrintItems(replies, &Commands::GetClipsCommandReply::clips,
-               {"UMID", "NAME", "DURATION", "IN", "KEYWORDS"}, "no clips", AddClipRow, out);
+Tables Open(const Commands::GetClipsCommandReply*, std::ostream& out) {
+    return OneTable(out, {"UMID", "NAME", "DURATION", "IN", "KEYWORDS"}, "no clips");
+}
+void Show(const Commands::GetClipsCommandReply& reply, Tables& tables, std::ostream&) {
+    ShowItems(
+        reply, &Commands::GetClipsCommandReply::clips, tables,
+        [](const Data::Clips::Clip& clip, Table& table) {
+            table.AddRow({Trimmed(clip.umId), TextOf(clip.name),
+                          FieldsText(clip.outBoundField - clip.inBoundField),
+                          Dash(clip.inBoundTodTimecode.value_or("")), KeywordsText(clip.keywords)});
+        });
 }
 void Failures(const Commands::GetClipsCommandReply&, std::vector<std::string>&) {}
 
 std::size_t Count(const Commands::ClipCommandReply& reply) {
     return reply.results.size();
 }
-void Print(const Messages<Commands::ClipCommandReply>& replies, std::ostream& out) {
-    PrintItems(
-        replies, &Commands::ClipCommandReply::results, {"UMID", "NAME", "RESULT"},
-        "no clip results",
-        [](const Commands::ClipResult& result, Table& table) {
-            table.AddRow(
-                {Trimmed(result.clip.umId), TextOf(result.clip.name), StatusText(result.status)});
-        },
-        out);
+Tables Open(const Commands::ClipCommandReply*, std::ostream& out) {
+    return OneTable(out, {"UMID", "NAME", "RESULT"}, "no clip results");
+}
+void Show(const Commands::ClipCommandReply& reply, Tables& tables, std::ostream&) {
+    ShowItems(reply, &Commands::ClipCommandReply::results, tables,
+              [](const Commands::ClipResult& result, Table& table) {
+                  table.AddRow({Trimmed(result.clip.umId), TextOf(result.clip.name),
+                                StatusText(result.status)});
+              });
 }
 void Failures(const Commands::ClipCommandReply& reply, std::vector<std::string>& failures) {
     for (const auto& result : reply.results) {
@@ -196,15 +210,15 @@ void Failures(const Commands::ClipCommandReply& reply, std::vector<std::string>&
 std::size_t Count(const Commands::PlaylistCommandReply& reply) {
     return reply.results.size();
 }
-void Print(const Messages<Commands::PlaylistCommandReply>& replies, std::ostream& out) {
-    PrintItems(
-        replies, &Commands::PlaylistCommandReply::results, {"UMID", "NAME", "RESULT"},
-        "no playlist results",
-        [](const Commands::PlaylistResult& result, Table& table) {
-            table.AddRow({Trimmed(result.playlist.sequence.umId),
-                          TextOf(result.playlist.sequence.name), StatusText(result.status)});
-        },
-        out);
+Tables Open(const Commands::PlaylistCommandReply*, std::ostream& out) {
+    return OneTable(out, {"UMID", "NAME", "RESULT"}, "no playlist results");
+}
+void Show(const Commands::PlaylistCommandReply& reply, Tables& tables, std::ostream&) {
+    ShowItems(reply, &Commands::PlaylistCommandReply::results, tables,
+              [](const Commands::PlaylistResult& result, Table& table) {
+                  table.AddRow({Trimmed(result.playlist.sequence.umId),
+                                TextOf(result.playlist.sequence.name), StatusText(result.status)});
+              });
 }
 void Failures(const Commands::PlaylistCommandReply& reply, std::vector<std::string>& failures) {
     for (const auto& result : reply.results) {
@@ -212,17 +226,19 @@ void Failures(const Commands::PlaylistCommandReply& reply, std::vector<std::stri
     }
 }
 
+// Each message: its group's line, then its clip results.
 std::size_t Count(const Commands::AnglesGroupCommandReply& reply) {
     return reply.clipCommandReply.results.size();
 }
-void Print(const Messages<Commands::AnglesGroupCommandReply>& replies, std::ostream& out) {
-    Messages<Commands::ClipCommandReply> clips;
-    for (const auto* reply : replies) {
-        out << "angles group " << reply->groupGuid.GetValue() << ": " << StatusText(reply->status)
-            << '\n';
-        clips.push_back(&reply->clipCommandReply);
-    }
-    Print(clips, out);
+Tables Open(const Commands::AnglesGroupCommandReply*, std::ostream&) {
+    return {};
+}
+void Show(const Commands::AnglesGroupCommandReply& reply, Tables&, std::ostream& out) {
+    out << "angles group " << Printable(reply.groupGuid.GetValue()) << ": "
+        << StatusText(reply.status) << '\n';
+    Tables clips = Open(static_cast<const Commands::ClipCommandReply*>(nullptr), out);
+    Show(reply.clipCommandReply, clips, out);
+    clips.front().Finish();
 }
 void Failures(const Commands::AnglesGroupCommandReply& reply, std::vector<std::string>& failures) {
     AddFailure(reply.status, "angles group " + reply.groupGuid.GetValue(), failures);
@@ -232,26 +248,29 @@ void Failures(const Commands::AnglesGroupCommandReply& reply, std::vector<std::s
 std::size_t Count(const Commands::GetServersCommandReply& reply) {
     return reply.servers.size();
 }
-void Print(const Messages<Commands::GetServersCommandReply>& replies, std::ostream& out) {
-    PrintItems(
-        replies, &Commands::GetServersCommandReply::servers,
-        {"ID", "NAME", "HOST", "VERSION", "STATUS", "CHANNELS", "LOCAL"}, "no servers",
-        [](const Data::Servers::ServerInfo& server, Table& table) {
-            table.AddRow({std::to_string(server.serverId), server.name, Dash(server.hostName),
-                          Dash(server.version), std::to_string(server.status),
-                          JoinNumbers(server.channelNumbers), server.isLocal ? "yes" : ""});
-        },
-        out);
+Tables Open(const Commands::GetServersCommandReply*, std::ostream& out) {
+    return OneTable(out, {"ID", "NAME", "HOST", "VERSION", "STATUS", "CHANNELS", "LOCAL"},
+                    "no servers");
+}
+void Show(const Commands::GetServersCommandReply& reply, Tables& tables, std::ostream&) {
+    ShowItems(reply, &Commands::GetServersCommandReply::servers, tables,
+              [](const Data::Servers::ServerInfo& server, Table& table) {
+                  table.AddRow({std::to_string(server.serverId), server.name, Dash(server.hostName),
+                                Dash(server.version), std::to_string(server.status),
+                                JoinNumbers(server.channelNumbers), server.isLocal ? "yes" : ""});
+              });
 }
 void Failures(const Commands::GetServersCommandReply&, std::vector<std::string>&) {}
 
 std::size_t Count(const Commands::GetTrainsCommandReply& reply) {
     return reply.trains.size();
 }
-void Print(const Messages<Commands::GetTrainsCommandReply>& replies, std::ostream& out) {
-    PrintItems(
-        replies, &Commands::GetTrainsCommandReply::trains,
-        {"RECORDER", "UMID", "STATE", "RANGES", "LAST RANGE"}, "no trains",
+Tables Open(const Commands::GetTrainsCommandReply*, std::ostream& out) {
+    return OneTable(out, {"RECORDER", "UMID", "STATE", "RANGES", "LAST RANGE"}, "no trains");
+}
+void Show(const Commands::GetTrainsCommandReply& reply, Tables& tables, std::ostream&) {
+    ShowItems(
+        reply, &Commands::GetTrainsCommandReply::trains, tables,
         [](const Data::Clips::Train& train, Table& table) {
             const auto& ranges = train.recordingRanges;
             table.AddRow(
@@ -259,57 +278,87 @@ void Print(const Messages<Commands::GetTrainsCommandReply>& replies, std::ostrea
                  train.isRecording ? "recording" : "stopped", std::to_string(ranges.size()),
                  ranges.empty() ? "-"
                                 : ranges.back().inTimecode + " - " + ranges.back().outTimecode});
-        },
-        out);
+        });
 }
 void Failures(const Commands::GetTrainsCommandReply&, std::vector<std::string>&) {}
 
 std::size_t Count(const Commands::GetPlaylistsCommandReply& reply) {
     return reply.playlists.size();
 }
-void Print(const Messages<Commands::GetPlaylistsCommandReply>& replies, std::ostream& out) {
-    PrintItems(
-        replies, &Commands::GetPlaylistsCommandReply::playlists,
-        {"UMID", "NAME", "ELEMENTS", "DURATION"}, "no playlists",
-        [](const Data::Sequences::Playlist& playlist, Table& table) {
-            const auto& track = playlist.audioVideoTrack;
-            const auto elements = track.elements ? static_cast<std::int32_t>(track.elements->size())
-                                                 : track.numberOfElements.value_or(0);
-            table.AddRow({Trimmed(playlist.sequence.umId), TextOf(playlist.sequence.name),
-                          std::to_string(elements),
-                          FieldsText(playlist.sequence.durationWithoutEffects)});
-        },
-        out);
+Tables Open(const Commands::GetPlaylistsCommandReply*, std::ostream& out) {
+    return OneTable(out, {"UMID", "NAME", "ELEMENTS", "DURATION"}, "no playlists");
+}
+void Show(const Commands::GetPlaylistsCommandReply& reply, Tables& tables, std::ostream&) {
+    ShowItems(reply, &Commands::GetPlaylistsCommandReply::playlists, tables,
+              [](const Data::Sequences::Playlist& playlist, Table& table) {
+                  const auto& track = playlist.audioVideoTrack;
+                  const auto elements = track.elements
+                                            ? static_cast<std::int32_t>(track.elements->size())
+                                            : track.numberOfElements.value_or(0);
+                  table.AddRow({Trimmed(playlist.sequence.umId), TextOf(playlist.sequence.name),
+                                std::to_string(elements),
+                                FieldsText(playlist.sequence.durationWithoutEffects)});
+              });
 }
 void Failures(const Commands::GetPlaylistsCommandReply&, std::vector<std::string>&) {}
 
 std::size_t Count(const Commands::GetAnglesGroupsCommandReply& reply) {
     return reply.anglesGroups.size();
 }
-void Print(const Messages<Commands::GetAnglesGroupsCommandReply>& replies, std::ostream& out) {
-    PrintItems(
-        replies, &Commands::GetAnglesGroupsCommandReply::anglesGroups,
-        {"GROUP", "ANGLES", "CAMERAS"}, "no angles groups",
-        [](const Data::Clips::Groups::AnglesGroup& group, Table& table) {
-            std::vector<std::int32_t> cameras;
-            for (const auto& angle : group.angles) {
-                cameras.push_back(angle.second.camera);
-            }
-            table.AddRow({group.groupGuid.GetValue(), std::to_string(group.angles.size()),
-                          JoinNumbers(cameras)});
-        },
-        out);
+Tables Open(const Commands::GetAnglesGroupsCommandReply*, std::ostream& out) {
+    return OneTable(out, {"GROUP", "ANGLES", "CAMERAS"}, "no angles groups");
+}
+void Show(const Commands::GetAnglesGroupsCommandReply& reply, Tables& tables, std::ostream&) {
+    ShowItems(reply, &Commands::GetAnglesGroupsCommandReply::anglesGroups, tables,
+              [](const Data::Clips::Groups::AnglesGroup& group, Table& table) {
+                  std::vector<std::int32_t> cameras;
+                  for (const auto& angle : group.angles) {
+                      cameras.push_back(angle.second.camera);
+                  }
+                  table.AddRow({group.groupGuid.GetValue(), std::to_string(group.angles.size()),
+                                JoinNumbers(cameras)});
+              });
 }
 void Failures(const Commands::GetAnglesGroupsCommandReply&, std::vector<std::string>&) {}
 
 // ---------------------------------------------------------------------------------------------
 // The table of reply classes, each row instantiating the functions above for its class.
 
+// The messages of one class being shown: the tables they share.
+class MessageGroup {
+public:
+    virtual ~MessageGroup() = default;
+    virtual void Add(const CommandReply& reply) = 0;
+    virtual void Finish() = 0;
+};
+
+template <class R>
+class MessageGroupOf final : public MessageGroup {
+public:
+    explicit MessageGroupOf(std::ostream& out) : out(out), tables(Open(Null(), out)) {}
+
+    void Add(const CommandReply& reply) override {
+        Show(static_cast<const R&>(reply), tables, out);
+    }
+
+    void Finish() override {
+        for (Table& table : tables) {
+            table.Finish();
+        }
+    }
+
+private:
+    static const R* Null() { return nullptr; }
+
+    std::ostream& out;
+    Tables tables;
+};
+
 struct ReplyKind {
     int type;
     const char* items;
     std::size_t (*count)(const CommandReply&);
-    void (*print)(const std::vector<const CommandReply*>&, std::ostream&);
+    std::unique_ptr<MessageGroup> (*open)(std::ostream&);
     void (*failures)(const CommandReply&, std::vector<std::string>&);
 };
 
@@ -317,12 +366,8 @@ template <class R>
 ReplyKind KindOf(const char* items) {
     return {R::kType, items,
             [](const CommandReply& reply) { return Count(static_cast<const R&>(reply)); },
-            [](const std::vector<const CommandReply*>& replies, std::ostream& out) {
-                Messages<R> typed;
-                for (const CommandReply* reply : replies) {
-                    typed.push_back(static_cast<const R*>(reply));
-                }
-                Print(typed, out);
+            [](std::ostream& out) -> std::unique_ptr<MessageGroup> {
+                return std::make_unique<MessageGroupOf<R>>(out);
             },
             [](const CommandReply& reply, std::vector<std::string>& failures) {
                 Failures(static_cast<const R&>(reply), failures);
@@ -360,41 +405,61 @@ const ReplyKind& KindOf(const CommandReply& reply) {
 
 }  // namespace
 
-Table::Table(std::vector<std::string> headers) : headers(std::move(headers)) {}
+Table::Table(std::ostream& out, std::vector<std::string> headers, std::string empty)
+    : out(out), headers(std::move(headers)), empty(std::move(empty)) {}
 
 void Table::AddRow(std::vector<std::string> cells) {
     cells.resize(headers.size());
-    rows.push_back(std::move(cells));
-}
-
-void Table::Print(std::ostream& out, const std::string& empty) const {
-    if (rows.empty()) {
-        out << empty << '\n';
+    for (auto& cell : cells) {
+        cell = Printable(cell);
+    }
+    any = true;
+    if (!widths.empty()) {
+        PrintRow(cells);
         return;
     }
-    std::vector<std::size_t> widths;
+    held.push_back(std::move(cells));
+    if (held.size() >= kBufferedRows) {
+        Finish();
+    }
+}
+
+void Table::Finish() {
+    if (!any) {
+        out << empty << '\n';
+        any = true;  // printed once
+        widths.assign(headers.size(), 0);
+        return;
+    }
+    if (!widths.empty()) {
+        return;
+    }
     for (const auto& header : headers) {
         widths.push_back(header.size());
     }
-    for (const auto& row : rows) {
+    for (const auto& row : held) {
         for (std::size_t column = 0; column < row.size(); ++column) {
             widths[column] = std::max(widths[column], DisplayWidth(row[column]));
         }
     }
-    const auto printRow = [&](const std::vector<std::string>& cells) {
-        std::string line;
-        for (std::size_t column = 0; column < cells.size(); ++column) {
-            line += cells[column];
-            if (column + 1 < cells.size()) {
-                line.append(widths[column] - DisplayWidth(cells[column]) + 2, ' ');
-            }
-        }
-        out << line << '\n';
-    };
-    printRow(headers);
-    for (const auto& row : rows) {
-        printRow(row);
+    PrintRow(headers);
+    for (const auto& row : held) {
+        PrintRow(row);
     }
+    held.clear();
+    held.shrink_to_fit();
+}
+
+void Table::PrintRow(const std::vector<std::string>& cells) {
+    std::string line;
+    for (std::size_t column = 0; column < cells.size(); ++column) {
+        line += cells[column];
+        if (column + 1 < cells.size()) {
+            const std::size_t width = DisplayWidth(cells[column]);
+            line.append(widths[column] > width ? widths[column] - width + 2 : 2, ' ');
+        }
+    }
+    out << line << '\n';
 }
 
 std::string StatusText(const Data::OperationStatus& status) {
@@ -424,27 +489,54 @@ std::string StatusText(const Data::OperationStatus& status) {
     return text;
 }
 
-void PrintReadable(const Replies& replies, std::ostream& out) {
-    // Consecutive messages of one class (the parts of a listing and its final) print together.
-    std::size_t first = 0;
-    while (first < replies.size()) {
-        std::size_t end = first + 1;
-        while (end < replies.size() && replies[end]->GetType() == replies[first]->GetType()) {
-            ++end;
-        }
-        std::vector<const CommandReply*> group;
-        for (std::size_t index = first; index < end; ++index) {
-            group.push_back(replies[index].get());
-        }
-        KindOf(*replies[first]).print(group, out);
-        first = end;
+class ReplyPrinter::Group {
+public:
+    Group(int type, std::unique_ptr<MessageGroup> messages)
+        : type(type), messages(std::move(messages)) {}
+
+    int type;
+    std::unique_ptr<MessageGroup> messages;
+};
+
+ReplyPrinter::ReplyPrinter(std::ostream& out, bool json) : out(out), json(json) {}
+
+ReplyPrinter::~ReplyPrinter() = default;
+
+void ReplyPrinter::Add(const CommandReply& reply) {
+    const ReplyKind& kind = KindOf(reply);
+    std::vector<std::string> failures;
+    kind.failures(reply, failures);
+    if (firstFailure.empty() && !failures.empty()) {
+        firstFailure = failures.front();
+    }
+    failureCount += failures.size();
+    if (json) {
+        // One write of the whole line, then flushed: a reader never sees half of it.
+        out << Json::CommandReplyToJson(reply) + '\n' << std::flush;
+        return;
+    }
+    if (group && group->type != reply.GetType()) {
+        Finish();
+    }
+    if (!group) {
+        group = std::make_unique<Group>(reply.GetType(), kind.open(out));
+    }
+    group->messages->Add(reply);
+}
+
+void ReplyPrinter::Finish() {
+    if (group) {
+        group->messages->Finish();
+        group.reset();
     }
 }
 
-void PrintJson(const Replies& replies, std::ostream& out) {
+void PrintReadable(const Replies& replies, std::ostream& out) {
+    ReplyPrinter printer(out, false);
     for (const auto& reply : replies) {
-        out << Json::CommandReplyToJson(*reply) << '\n';
+        printer.Add(*reply);
     }
+    printer.Finish();
 }
 
 std::vector<std::string> FailuresOf(const Replies& replies) {

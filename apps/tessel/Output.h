@@ -4,6 +4,7 @@
 // script; which messages of a reply report a failure; and the progress line of long listings.
 
 #include <cstddef>
+#include <memory>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -15,31 +16,70 @@
 
 namespace Korvo::Plexis::Tessel::Cli {
 
-/// Columns of text, each as wide as its widest cell, separated by two spaces.
+/// Columns of text separated by two spaces, printed as rows come so that a long listing is never
+/// held whole: the first `kBufferedRows` rows (or all, when fewer) are kept to size the columns,
+/// then printed; later rows are printed at once in those widths (a wider cell pushes the rest of
+/// its row). Cells are shown through `Printable`.
 class Table {
 public:
-    explicit Table(std::vector<std::string> headers);
+    static constexpr std::size_t kBufferedRows = 1000;
+
+    /// `empty` is printed alone by `Finish` when no row came.
+    Table(std::ostream& out, std::vector<std::string> headers, std::string empty);
 
     void AddRow(std::vector<std::string> cells);
-    std::size_t RowCount() const noexcept { return rows.size(); }
 
-    /// Writes the header and the rows; `empty` alone when there is no row.
-    void Print(std::ostream& out, const std::string& empty) const;
+    /// Prints what is still held; `empty` when there was no row.
+    void Finish();
 
 private:
+    void PrintRow(const std::vector<std::string>& cells);
+
+    std::ostream& out;
     std::vector<std::string> headers;
-    std::vector<std::vector<std::string>> rows;
+    std::string empty;
+    std::vector<std::vector<std::string>> held;
+    std::vector<std::size_t> widths;  // set when the held rows are printed
+    bool any = false;
 };
 
 /// "ok" for a status with code 0, otherwise "failed (code, reason)" and what the reason means.
 std::string StatusText(const Data::OperationStatus& status);
 
-/// Writes `replies` (the messages of one command's reply) as tables and lines a person reads;
-/// the parts of a listing make one table.
-void PrintReadable(const Replies& replies, std::ostream& out);
+/// Shows the messages of one command's reply as they arrive: readable tables and lines, or one
+/// line of JSON each (`Json::CommandReplyToJson`). Consecutive messages of one class (the parts
+/// of a listing and its final) make one table. Keeps what went wrong (`FailuresOf`) as a count
+/// and the first text, never the messages.
+class ReplyPrinter {
+public:
+    ReplyPrinter(std::ostream& out, bool json);
+    ~ReplyPrinter();
 
-/// Writes each message of `replies` as one line of JSON (`Json::CommandReplyToJson`), parts first.
-void PrintJson(const Replies& replies, std::ostream& out);
+    ReplyPrinter(const ReplyPrinter&) = delete;
+    ReplyPrinter& operator=(const ReplyPrinter&) = delete;
+
+    /// Shows one message; a JSON line is flushed whole.
+    void Add(const HighLevelOperations::Commands::CommandReply& reply);
+
+    /// Ends the table in progress.
+    void Finish();
+
+    std::size_t FailureCount() const noexcept { return failureCount; }
+    /// The first failure's text; empty when none.
+    const std::string& FirstFailure() const noexcept { return firstFailure; }
+
+private:
+    class Group;
+
+    std::ostream& out;
+    bool json;
+    std::unique_ptr<Group> group;  // the class of messages being shown, readable form
+    std::size_t failureCount = 0;
+    std::string firstFailure;
+};
+
+/// Writes `replies` as `ReplyPrinter` does in its readable form.
+void PrintReadable(const Replies& replies, std::ostream& out);
 
 /// What went wrong according to `replies`: one text per failure (a FailureReply, an
 /// UnknownCommand, each result whose status code is not 0); empty when all went well.
@@ -65,13 +105,6 @@ public:
 
     /// Erases the line when one was shown.
     void Finish();
-
-    /// An observer for `Session::Call` that feeds this progress.
-    Session::ReplyObserver Observer() {
-        return [this](const HighLevelOperations::Commands::CommandReply& reply, bool final) {
-            Add(reply, final);
-        };
-    }
 
 private:
     std::ostream& err;

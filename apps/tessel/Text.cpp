@@ -129,6 +129,64 @@ std::string JoinNumbers(const std::vector<std::int32_t>& numbers) {
     return Dash(text);
 }
 
+namespace {
+
+// The length of the well-formed UTF-8 sequence at `at` (shortest form, no surrogates, at most
+// U+10FFFF), or 0.
+std::size_t SequenceLength(const std::string& text, std::size_t at) {
+    const auto byte = [&](std::size_t index) -> unsigned {
+        return index < text.size() ? static_cast<unsigned char>(text[index]) : 0u;
+    };
+    const auto continuation = [&](std::size_t index) { return (byte(index) & 0xC0) == 0x80; };
+    const unsigned lead = byte(at);
+    const unsigned second = byte(at + 1);
+    if (lead >= 0xC2 && lead <= 0xDF) {
+        return continuation(at + 1) ? 2 : 0;
+    }
+    if (lead >= 0xE0 && lead <= 0xEF) {
+        const bool shortest = lead != 0xE0 || second >= 0xA0;
+        const bool surrogate = lead == 0xED && second >= 0xA0;
+        return shortest && !surrogate && continuation(at + 1) && continuation(at + 2) ? 3 : 0;
+    }
+    if (lead >= 0xF0 && lead <= 0xF4) {
+        const bool shortest = lead != 0xF0 || second >= 0x90;
+        const bool inRange = lead != 0xF4 || second < 0x90;
+        return shortest && inRange && continuation(at + 1) && continuation(at + 2) &&
+                       continuation(at + 3)
+                   ? 4
+                   : 0;
+    }
+    return 0;
+}
+
+}  // namespace
+
+std::string Printable(const std::string& text) {
+    std::string shown;
+    shown.reserve(text.size());
+    const auto escape = [&shown](unsigned char byte) {
+        char code[8];
+        std::snprintf(code, sizeof code, "\\x%02X", byte);
+        shown += code;
+    };
+    for (std::size_t at = 0; at < text.size();) {
+        const auto byte = static_cast<unsigned char>(text[at]);
+        const std::size_t length = byte < 0x80 ? 1 : SequenceLength(text, at);
+        if (byte == '\\') {
+            shown += "\\\\";
+        } else if (byte < 0x20 || byte == 0x7F || length == 0) {
+            escape(byte);
+        } else if (byte == 0xC2 && static_cast<unsigned char>(text[at + 1]) < 0xA0) {
+            escape(byte);  // a C1 control: both of its bytes shown
+            escape(static_cast<unsigned char>(text[at + 1]));
+        } else {
+            shown.append(text, at, length);
+        }
+        at += std::max<std::size_t>(length, 1);
+    }
+    return shown;
+}
+
 std::size_t DisplayWidth(const std::string& text) {
     std::size_t width = 0;
     for (const char byte : text) {

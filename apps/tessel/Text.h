@@ -47,6 +47,11 @@ std::string KeywordsText(const std::vector<Data::Clips::AsciiOrUtf16String>& key
 /// The numbers, separated by commas; "-" for none.
 std::string JoinNumbers(const std::vector<std::int32_t>& numbers);
 
+/// The text made safe to show on a terminal: control characters (C0, DEL and C1, which start
+/// terminal escape sequences), a backslash and bytes that are not UTF-8 are written as "\xNN"
+/// ("\\" for a backslash), so that nothing received from the network reaches the terminal raw.
+std::string Printable(const std::string& text);
+
 /// The columns a UTF-8 text takes on a terminal (its code points).
 std::size_t DisplayWidth(const std::string& text);
 

@@ -25,17 +25,34 @@ int Main(int argc, const char* const* argv, std::istream& in, std::ostream& out,
 struct OutputOptions {
     bool json = false;      ///< one JSON object per reply message instead of tables
     bool progress = false;  ///< a progress line on `err` while a listing arrives in parts
-    /// Applied to the messages before they are shown (a filter of a listing), when set.
-    std::function<void(Replies&)> filter;
+    /// Applied to each message before it is shown (a filter of a listing), when set.
+    std::function<void(HighLevelOperations::Commands::CommandReply&)> filter;
     /// Shows a successful reply instead of the standard tables, when set (not with `json`).
-    std::function<void(const Replies&, std::ostream&)> readable;
+    std::function<void(std::ostream&)> readable;
+    /// Whether `Execute` returns the messages it showed (for replies known to be small).
+    bool keep = false;
+    /// Asked while waiting: the number of a signal that asks to stop, or 0.
+    Session::Interruption interrupted;
 };
 
-/// Sends one command, shows its reply on `out` and returns it. Throws `CliError`: what
-/// `Session::Call` throws, and Failed (after showing the reply) when the reply reports a failure.
+/// The most bytes of parameters `call` reads from a file or standard input (16 MiB).
+constexpr std::size_t kParametersLimit = std::size_t{16} << 20;
+
+/// Sends one command and shows each message of its reply on `out` as it arrives, flushed per
+/// message. Returns the messages when `output.keep`, otherwise none. Throws `CliError`: what
+/// `Session::Call` throws, Local when `out` cannot be written, and Failed (after showing the
+/// reply) when the reply reports a failure.
 Replies Execute(Session& session, const std::string& commandName,
                 const HighLevelOperations::Commands::CommandParams& params,
                 const OutputOptions& output, std::ostream& out, std::ostream& err);
+
+/// Throws `CliError` (Local) naming the system's reason when `out` (standard output) failed.
+void CheckOutput(std::ostream& out);
+
+/// The parameters text of `call` for `argument`: inline JSON, "@FILE", "-" for `in`, "{}" when
+/// empty. Reads at most `kParametersLimit` bytes. Throws `CliError` (BadInput) for a file that
+/// cannot be opened (with the system's reason), and for input over the limit.
+std::string ParametersText(const std::string& argument, std::istream& in);
 
 /// A fresh command identifier: "tessel-<random process tag>-<count>". Any thread.
 std::string NewCommandId();
@@ -51,7 +68,9 @@ P NewParams() {
 /// Prints the notifications that arrive on `settings`' notification endpoint, one line each (JSON
 /// with `json`), until SIGINT or SIGTERM, or until `count` have been printed. Blocks both signals
 /// in the calling thread and the threads it starts; call it before any other thread exists.
-/// Returns 0.
+/// Returns 0. Throws `CliError`: NoServer when the link does not come up within
+/// `settings.timeout`, Local when `out` cannot be written (also noticed, within a quarter of a
+/// second, when `out` is standard output and the pipe's reader has gone).
 int Watch(const ConnectionSettings& settings, const std::vector<std::string>& topics, bool json,
           std::optional<std::size_t> count, std::ostream& out, std::ostream& err);
 

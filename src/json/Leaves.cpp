@@ -1,9 +1,13 @@
 // The leaf codecs of the JSON form (texts, identifiers, channels, time codes), the failure type
 // and the parsing and printing of whole texts.
 
+#include <algorithm>
+#include <cctype>
 #include <charconv>
 #include <cstdio>
 #include <random>
+#include <set>
+#include <vector>
 
 #include "json/JsonCodec.h"
 
@@ -256,9 +260,83 @@ void Codec<TimePoints::TimeCode>::Read(const Value& json, TimePoints::TimeCode& 
     value = TimePoints::TimeCode(rateNumerator, rateDenominator, sample, dropFrame, valid);
 }
 
+namespace {
+
+// Follows the parser through nested objects and arrays to find a key that an object repeats
+// (the parser would keep one of the values silently), and says where it is, from the root.
+class DuplicateKeyFinder {
+public:
+    bool operator()(int, Value::parse_event_t event, Value& parsed) {
+        using Event = Value::parse_event_t;
+        switch (event) {
+            case Event::object_start:
+            case Event::array_start:
+                frames.push_back({event == Event::object_start, {}, {}, 0});
+                break;
+            case Event::object_end:
+            case Event::array_end:
+                frames.pop_back();
+                Completed();
+                break;
+            case Event::key: {
+                Frame& frame = frames.back();
+                frame.key = parsed.get<std::string>();
+                if (!frame.keys.insert(frame.key).second) {
+                    throw JsonError(JsonError::Kind::Syntax, Path(),
+                                    "the key \"" + frame.key + "\" occurs twice in one object");
+                }
+                break;
+            }
+            case Event::value:
+                Completed();
+                break;
+        }
+        return true;
+    }
+
+private:
+    struct Frame {
+        bool object;
+        std::set<std::string> keys;
+        std::string key;    // in an object: the key of the value being read
+        std::size_t index;  // in an array: the index of the value being read
+    };
+
+    static bool IsName(const std::string& key) {
+        return !key.empty() && !std::isdigit(static_cast<unsigned char>(key[0])) &&
+               std::all_of(key.begin(), key.end(), [](char c) {
+                   return std::isalnum(static_cast<unsigned char>(c)) || c == '_';
+               });
+    }
+
+    void Completed() {
+        if (!frames.empty() && !frames.back().object) {
+            ++frames.back().index;
+        }
+    }
+
+    std::string Path() const {
+        std::string path;
+        for (const Frame& frame : frames) {
+            if (!frame.object) {
+                path += "[" + std::to_string(frame.index) + "]";
+            } else if (IsName(frame.key)) {
+                path += (path.empty() ? "" : ".") + frame.key;
+            } else {
+                path += "[\"" + frame.key + "\"]";  // a map key such as a channel text
+            }
+        }
+        return path;
+    }
+
+    std::vector<Frame> frames;
+};
+
+}  // namespace
+
 Value Parse(std::string_view text) {
     try {
-        return Value::parse(text.begin(), text.end());
+        return Value::parse(text.begin(), text.end(), DuplicateKeyFinder());
     } catch (const Value::parse_error& error) {
         // Drop the library's "[json.exception.parse_error.101] " tag; keep "parse error at line
         // 1, column 5: ...".
