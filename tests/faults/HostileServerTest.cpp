@@ -14,6 +14,14 @@ namespace {
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
+// AddressSanitizer keeps freed memory in quarantine (256 MiB by default): there resident memory
+// overstates what the library holds by up to that much.
+#if defined(__SANITIZE_ADDRESS__)
+constexpr long long kCap = kResidentCap + (256LL << 20);
+#else
+constexpr long long kCap = kResidentCap;
+#endif
+
 // The compact bytes of a reply record that names `guid` as its command and holds nothing else.
 std::string Naming(const std::string& guid) {
     return std::string("\x1c\x18") + static_cast<char>(guid.size()) + guid + '\0' + '\0';
@@ -97,7 +105,7 @@ TEST(HostileServerTest, APartFloodToAnUnreadHandleEndsItsRequestWithinTheByteBud
                   << (toOverflow ? Milliseconds(*toOverflow) : -1) << " ms, resident "
                   << (before >> 20) << " MiB before, peak " << (peak >> 20) << " MiB\n";
     }
-    EXPECT_LT(peak, kResidentCap);
+    EXPECT_LT(peak, kCap);
     // Nothing that waited is kept: the first item is the ending.
     EXPECT_EQ(ping.handle->Next(kPatience).kind, Kind::Overflowed);
     const auto dropped = client->GetDroppedReplies();
@@ -164,7 +172,7 @@ TEST(HostileServerTest, PauseAndStopReturnPromptlyUnderAnyReplyFloodWithASlowLog
                   << Milliseconds(paused) << " ms, Stop " << Milliseconds(stopped) << " ms\n";
         EXPECT_LT(paused, 2s) << attack.name;
         EXPECT_LT(stopped, 2s) << attack.name;
-        EXPECT_LT(ResidentBytes(), kResidentCap);
+        EXPECT_LT(ResidentBytes(), kCap);
     }
     // However long the flood, the repeated lines came a few a second.
     const auto seconds = std::chrono::duration<double>(AttackDuration()).count();

@@ -43,8 +43,8 @@ struct TransportOptions {
     /// The most bytes of replies a `Messenger` lets wait in ZeroMQ for `Receive`. ZeroMQ counts
     /// messages, so the messenger lets at most `receiveQueueBytes / maxMessageSize` replies wait
     /// (at least 1, at most `receiveHighWaterMark`): 4 with the defaults. Beyond that ZeroMQ stops
-    /// reading from the server until the reception thread has taken some, which holds the server
-    /// back; nothing is dropped.
+    /// reading from the server until the reception thread has taken some: nothing is dropped on
+    /// this side, and the backlog waits in the server's send queue.
     std::int64_t receiveQueueBytes = 64 * 1024 * 1024;
 };
 
