@@ -74,9 +74,11 @@ void RouterPeer::Reply(const std::string& identity, int ticket, const std::strin
     Send({identity, TicketBytes(ticket), header, payload});
 }
 
-PublisherPeer::PublisherPeer(int sendHighWaterMark) : socket(context, zmq::socket_type::xpub) {
+PublisherPeer::PublisherPeer(int sendHighWaterMark, bool waitForRoom)
+    : socket(context, zmq::socket_type::xpub) {
     socket.set(zmq::sockopt::linger, 0);
     socket.set(zmq::sockopt::sndhwm, sendHighWaterMark);
+    socket.set(zmq::sockopt::xpub_nodrop, waitForRoom);
     socket.bind("tcp://127.0.0.1:*");
     address = socket.get(zmq::sockopt::last_endpoint);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 
 namespace Korvo::Common::Messaging {
@@ -33,11 +34,18 @@ struct TransportOptions {
     /// Largest frame accepted from a peer; a larger one drops the link, which is then re-created.
     std::int64_t maxMessageSize = 16 * 1024 * 1024;
 
-    /// Most commands queued towards the server, and most messages queued towards the application
-    /// in ZeroMQ. A subscription also holds at most `receiveHighWaterMark` notifications in its
-    /// own queue for `Receive`, and drops (and counts) what arrives beyond that; 0 means no limit.
+    /// Most commands queued towards the server, and most replies queued towards the application
+    /// in ZeroMQ; 0 means no limit.
     int sendHighWaterMark = 1000;
     int receiveHighWaterMark = 100000;
+
+    /// Most bytes of notifications that wait in a subscription's queue for `Receive` (64 MiB):
+    /// what arrives beyond is dropped and counted. Each notification is charged its payload, its
+    /// header and topic and 256 bytes of bookkeeping; one notification is always let in when none
+    /// waits. It also bounds ZeroMQ's queue of each subscription socket, to as many messages of
+    /// `maxMessageSize` as fit in it (at least 1; 4 by default, and never more than
+    /// `receiveHighWaterMark`).
+    std::size_t notificationQueueBytes = 64 * 1024 * 1024;
 };
 
 }  // namespace Korvo::Common::Messaging
