@@ -20,6 +20,7 @@ struct Flood {
     const char* name;
     std::function<void(TransportOptions&)> configure;
     std::chrono::milliseconds callbackTime;  // how long the application takes per notification
+    long atLeast;                            // notifications published, however long it takes
     // Publishes the n-th message of the flood; returns whether it was a malformed envelope.
     std::function<bool(PublisherPeer&, long n)> publish;
     bool exactAccount;  // every notification published reaches the subscription's socket
@@ -29,8 +30,9 @@ const std::string kLarge = ServerAdded(1, 1 << 20);
 const std::string kSmall = ServerAdded(1);
 
 const std::vector<Flood> kFloods{
-    {"1 MiB notifications to a 10 ms callback", [](TransportOptions&) {},
-     std::chrono::milliseconds(10),
+    // 400 MiB in all, far more than the application can take meanwhile.
+    {"1 MiB notifications to a 50 ms callback", [](TransportOptions&) {},
+     std::chrono::milliseconds(50), 400,
      [](PublisherPeer& peer, long) {
          peer.Publish("ServerStatus", "ServerAdded", kLarge);
          return false;
@@ -38,14 +40,14 @@ const std::vector<Flood> kFloods{
      true},
     {"small notifications to a 1 ms callback, queue of 64 KiB",
      [](TransportOptions& options) { options.notificationQueueBytes = 64 << 10; },
-     std::chrono::milliseconds(1),
+     std::chrono::milliseconds(1), 0,
      [](PublisherPeer& peer, long) {
          peer.Publish("ServerStatus", "ServerAdded", kSmall);
          return false;
      },
      true},
     {"malformed, unknown and undecodable notifications", [](TransportOptions&) {},
-     std::chrono::milliseconds(0),
+     std::chrono::milliseconds(0), 0,
      [](PublisherPeer& peer, long n) {
          switch (n % 3) {
              case 0:
@@ -62,7 +64,7 @@ const std::vector<Flood> kFloods{
      false},
     {"notifications over the size limit",
      [](TransportOptions& options) { options.maxMessageSize = 64 << 10; },
-     std::chrono::milliseconds(0),
+     std::chrono::milliseconds(0), 0,
      [](PublisherPeer& peer, long) {
          peer.Publish("ServerStatus", "ServerAdded", kLarge);
          return false;
@@ -91,15 +93,16 @@ TEST(HostilePublisherTest, AFloodKeepsMemoryAndLogBoundedAccountsForDropsAndDeli
 
         const auto start = Clock::now();
         const auto end = start + AttackDuration();
-        long published = 0;
+        std::atomic<long> published{0};
         long malformed = 0;
         std::thread flooder([&] {
-            while (Clock::now() < end) {
-                malformed += flood.publish(publisher, published++) ? 1 : 0;
+            while (Clock::now() < end || published < flood.atLeast) {
+                malformed += flood.publish(publisher, published.load()) ? 1 : 0;
+                ++published;
             }
         });
         long long peak = 0;
-        while (Clock::now() < end) {
+        while (Clock::now() < end || published < flood.atLeast) {
             peak = std::max(peak, ResidentBytes());
             std::this_thread::sleep_for(std::chrono::milliseconds(20));
         }
@@ -124,7 +127,7 @@ TEST(HostilePublisherTest, AFloodKeepsMemoryAndLogBoundedAccountsForDropsAndDeli
         // delivered or counted as dropped (the last marker came after all of them).
         const auto dropped = subscription.GetDroppedCount();
         if (flood.exactAccount) {
-            const long total = published + markers;
+            const long total = published.load() + markers;
             EXPECT_TRUE(delivered.WaitFor([&](const std::vector<int>& ids) {
                 return static_cast<long>(ids.size() + subscription.GetDroppedCount()) >= total;
             }));
@@ -145,7 +148,7 @@ TEST(HostilePublisherTest, AFloodKeepsMemoryAndLogBoundedAccountsForDropsAndDeli
 
         std::printf("[ flood    ] %s: %ld published (%ld malformed), %zu delivered, %llu dropped, "
                     "peak RSS %lld MiB, %zu log lines in %.1f s, idle CPU %lld ms/s\n",
-                    flood.name, published, malformed, delivered.Count(),
+                    flood.name, published.load(), malformed, delivered.Count(),
                     static_cast<unsigned long long>(dropped), peak >> 20, lines, seconds,
                     static_cast<long long>(idle.count()));
     }
