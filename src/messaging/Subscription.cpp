@@ -103,13 +103,10 @@ public:
     // ZeroMQ counts messages, not bytes: its queue of a subscription socket gets as many messages
     // of the largest size as fit in the byte budget, so that it holds no more than our own queue.
     static TransportOptions SocketOptions(TransportOptions options) {
-        const auto largest =
-            static_cast<std::size_t>(std::max<std::int64_t>(options.maxMessageSize, 1));
-        const std::size_t fitting = std::max<std::size_t>(options.notificationQueueBytes / largest, 1);
-        const std::size_t cap = options.receiveHighWaterMark > 0
-                                    ? static_cast<std::size_t>(options.receiveHighWaterMark)
-                                    : fitting;
-        options.receiveHighWaterMark = static_cast<int>(std::min({fitting, cap, kMostSocketQueue}));
+        options.maxMessageSize = std::max<std::int64_t>(options.maxNotificationSize, 1);
+        const std::size_t fitting = std::max<std::size_t>(
+            options.notificationQueueBytes / static_cast<std::size_t>(options.maxMessageSize), 1);
+        options.receiveHighWaterMark = static_cast<int>(std::min(fitting, kMostSocketQueue));
         return options;
     }
 

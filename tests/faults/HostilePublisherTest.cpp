@@ -63,7 +63,7 @@ const std::vector<Flood> kFloods{
      },
      false},
     {"notifications over the size limit",
-     [](TransportOptions& options) { options.maxMessageSize = 64 << 10; },
+     [](TransportOptions& options) { options.maxNotificationSize = 64 << 10; },
      std::chrono::milliseconds(0), 0,
      [](PublisherPeer& peer, long) {
          peer.Publish("ServerStatus", "ServerAdded", kLarge);

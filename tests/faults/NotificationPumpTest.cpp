@@ -64,7 +64,7 @@ TEST(NotificationPumpTest, ATransientFaultCostsLittleCpuSparesOtherEndpointsAndD
         PublisherPeer failing;
         PublisherPeer healthy;
         TransportOptions options = QuickOptions();
-        options.maxMessageSize = 1024;  // a larger notification makes the transport drop the link
+        options.maxNotificationSize = 1024;  // a larger one makes the transport drop the link
         NotificationClient client(
             {Common::Messaging::EndPoint(failing.Address()),
              Common::Messaging::EndPoint(healthy.Address())},

@@ -31,7 +31,8 @@ struct TransportOptions {
     /// How long one connection attempt (TCP connect, then greeting and CURVE handshake) may take.
     std::chrono::milliseconds connectTimeout{5000};
 
-    /// Largest frame accepted from a peer; a larger one drops the link, which is then re-created.
+    /// Largest message a messenger accepts from its server (a subscription has
+    /// `maxNotificationSize`); a larger one drops the link, which is then re-created.
     std::int64_t maxMessageSize = 16 * 1024 * 1024;
 
     /// Most commands queued towards the server, and most replies queued towards the application
@@ -42,10 +43,14 @@ struct TransportOptions {
     /// Most bytes of notifications that wait in a subscription's queue for `Receive` (64 MiB):
     /// what arrives beyond is dropped and counted. Each notification is charged its payload, its
     /// header and topic and 256 bytes of bookkeeping; one notification is always let in when none
-    /// waits. It also bounds ZeroMQ's queue of each subscription socket, to as many messages of
-    /// `maxMessageSize` as fit in it (at least 1; 4 by default, and never more than
-    /// `receiveHighWaterMark`).
+    /// waits. ZeroMQ's own queue of each subscription socket holds at most as many notifications
+    /// as `notificationQueueBytes / maxNotificationSize` (at least 1; 32 by default), so it holds
+    /// no more bytes than this either.
     std::size_t notificationQueueBytes = 64 * 1024 * 1024;
+
+    /// Largest notification a subscription accepts (2 MiB); a larger one makes the transport
+    /// drop the link, which is then re-created. Replies are bounded by `maxMessageSize` instead.
+    std::int64_t maxNotificationSize = 2 * 1024 * 1024;
 };
 
 }  // namespace Korvo::Common::Messaging
