@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <string>
 #include <unordered_map>
 
@@ -13,7 +14,9 @@ namespace Korvo::Plexis::Tessel::Client::Detail {
 /// tables, built once by the constructor; otherwise stateless.
 class NotificationDispatch {
 public:
-    NotificationDispatch();
+    /// `stop`, when given, is checked after every callback: once it is set the current
+    /// notification's remaining callbacks are skipped and the lists are not touched again.
+    explicit NotificationDispatch(const std::atomic<bool>* stop = nullptr);
 
     /// Delivers `message`; returns false, having decoded and called nothing, when its header
     /// names no notification type. Throws `InvalidFormatException` for a payload that cannot be
@@ -23,6 +26,7 @@ public:
                     const Common::Messaging::Message& message) const;
 
 private:
+    const std::atomic<bool>* stop;
     // The four families' type names, looked up in this order; no name stands in two tables.
     std::unordered_map<std::string, Notification::ClipCommandEvent::Type> clipCommandMessageTypes;
     std::unordered_map<std::string, Notification::ClipStatusEvent::Type> clipStatusMessageTypes;

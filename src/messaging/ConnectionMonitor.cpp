@@ -6,6 +6,8 @@
 #include <exception>
 #include <string>
 
+#include <poll.h>
+
 #include "logging/LogSupport.h"
 
 namespace Korvo::Common::Messaging::Detail {
@@ -14,6 +16,7 @@ namespace {
 using Plexis::Tessel::Logging::ILogger;
 using Plexis::Tessel::Logging::Log;
 using Plexis::Tessel::Logging::LogComposed;
+using Plexis::Tessel::Logging::Suppressed;
 using Clock = std::chrono::steady_clock;
 
 constexpr const char* kSource = "Korvo/Common/Messaging/ConnectionMonitor";
@@ -22,6 +25,15 @@ constexpr const char* kSource = "Korvo/Common/Messaging/ConnectionMonitor";
 // event follows within microseconds). If none has come after this long, the transport has
 // dropped the link for good and it is re-created.
 constexpr std::chrono::seconds kRetryGrace{2};
+
+// A socket that cannot be re-created (no file descriptors or memory left, for a while) is tried
+// again after this long, doubling with each failure up to kReopenRetryMax: soon enough that the
+// link is back well within a second or two of the cause clearing, rare enough to cost nothing.
+constexpr std::chrono::milliseconds kReopenRetry{50};
+constexpr std::chrono::milliseconds kReopenRetryMax{500};
+
+// How long the thread waits before watching again after its own wait failed.
+constexpr std::chrono::milliseconds kWatchRetry{200};
 
 }  // namespace
 
@@ -34,7 +46,8 @@ ConnectionMonitor::ConnectionMonitor(std::vector<Link*> links, std::shared_ptr<I
       listener(std::move(listener)),
       retryDue(this->links.size()),
       everConnected(this->links.size(), false),
-      handshakeFailing(this->links.size(), false) {
+      handshakeFailing(this->links.size(), false),
+      reopenFailures(this->links.size(), 0) {
     for (std::size_t link = 0; link < this->links.size(); ++link) {
         monitors.push_back(this->links[link]->TakeMonitor());
         states[link].store(ConnectionState::Connecting);
@@ -86,16 +99,26 @@ void ConnectionMonitor::SetListener(Listener newListener) {
 }
 
 void ConnectionMonitor::Run() {
-    try {
-        Watch();
-    } catch (const std::exception& error) {
-        LogComposed(
-            logger, ILogger::Fatal,
-            [&] {
-                return std::string("Run: connection states no longer watched (") + error.what() +
-                       ").";
-            },
-            kSource, __LINE__);
+    // A failure of the watching itself (a failed poll, memory running out) must not leave the
+    // states frozen for good: the thread waits a moment and watches again.
+    while (!stopping.load()) {
+        try {
+            Watch();
+        } catch (const std::exception& error) {
+            if (const auto admitted = watchFailureLog.Admit()) {
+                LogComposed(
+                    logger, ILogger::Error,
+                    [&] {
+                        return std::string("Run: watching the connections failed (") +
+                               error.what() + "); trying again." + Suppressed(*admitted);
+                    },
+                    kSource, __LINE__);
+            }
+            pollfd wakeItem{wake.Fd(), POLLIN, 0};
+            if (::poll(&wakeItem, 1, static_cast<int>(kWatchRetry.count())) > 0) {
+                wake.Drain();
+            }
+        }
     }
     monitors.clear();
     // A shut-down set every state already; the listener hears of it here, on this thread.
@@ -219,14 +242,38 @@ void ConnectionMonitor::RecreateDroppedLinks() {
         }
         retryDue[link].reset();
         Report(link, ConnectionState::Disconnected);
-        LogComposed(
-            logger, ILogger::Error,
-            [&] {
-                return "RecreateDroppedLinks: the transport dropped the link to " +
-                       links[link]->GetEndPoint().Address() + "; connecting a new socket.";
-            },
-            kSource, __LINE__);
-        std::optional<zmq::socket_t> monitor = links[link]->Reopen();
+        if (reopenFailures[link] == 0) {  // a retry after a failed re-creation is logged below
+            LogComposed(
+                logger, ILogger::Error,
+                [&] {
+                    return "RecreateDroppedLinks: the transport dropped the link to " +
+                           links[link]->GetEndPoint().Address() + "; connecting a new socket.";
+                },
+                kSource, __LINE__);
+        }
+        std::optional<zmq::socket_t> monitor;
+        try {
+            monitor = links[link]->Reopen();
+        } catch (const std::exception& error) {
+            // The state stays Disconnected, which it is, and the other links are unaffected.
+            const auto delay = std::min<std::chrono::milliseconds>(
+                kReopenRetry * (1L << std::min(reopenFailures[link], 10)), kReopenRetryMax);
+            ++reopenFailures[link];
+            retryDue[link] = Clock::now() + delay;
+            if (const auto admitted = reopenFailureLog.Admit()) {
+                LogComposed(
+                    logger, ILogger::Error,
+                    [&] {
+                        return "RecreateDroppedLinks: cannot re-create the link to " +
+                               links[link]->GetEndPoint().Address() + " (" + error.what() +
+                               "); trying again in " + std::to_string(delay.count()) + " ms." +
+                               Suppressed(*admitted);
+                    },
+                    kSource, __LINE__);
+            }
+            continue;
+        }
+        reopenFailures[link] = 0;
         if (monitor) {
             monitors[link] = std::move(*monitor);
             Report(link, ConnectionState::Reconnecting);

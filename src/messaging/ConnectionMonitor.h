@@ -16,6 +16,7 @@
 #include <Korvo/Common/Messaging/ConnectionState.h>
 #include <Korvo/Plexis/Tessel/Logging/ILogger.h>
 
+#include "logging/RateLimit.h"
 #include "messaging/Link.h"
 #include "messaging/WakeSignal.h"
 
@@ -93,6 +94,9 @@ private:
     std::vector<std::optional<std::chrono::steady_clock::time_point>> retryDue;
     std::vector<bool> everConnected;
     std::vector<bool> handshakeFailing;  // a failure was logged at level 50 since the last success
+    std::vector<int> reopenFailures;     // failed re-creations of the socket in a row
+    Plexis::Tessel::Logging::RateLimit reopenFailureLog;
+    Plexis::Tessel::Logging::RateLimit watchFailureLog;
 
     std::thread thread;
 };

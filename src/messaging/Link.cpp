@@ -11,6 +11,8 @@
 #include <Korvo/Common/Messaging/ObjectShutDownException.h>
 #include <Korvo/Common/Messaging/TransportException.h>
 
+#include "messaging/FaultInjection.h"
+
 namespace Korvo::Common::Messaging::Detail {
 namespace {
 
@@ -131,6 +133,7 @@ void Link::Configure(zmq::socket_t& target) const {
 
 zmq::socket_t Link::Open() {
     static std::atomic<unsigned long> monitorCount{0};
+    InjectFault(FaultPoint::OpenSocket, endpoint.Address());
     try {
         socket.emplace(*context, type);
         Configure(*socket);
@@ -155,10 +158,10 @@ zmq::socket_t Link::Open() {
 void Link::CheckOpen(std::unique_lock<std::mutex>& lock) {
     changed.wait(lock, [this] { return !replacing; });
     if (closed) {
-        if (!failure.empty()) {
-            throw TransportException(failure);
-        }
         throw ObjectShutDownException("connection to " + endpoint.Address() + " shut down");
+    }
+    if (!socket) {
+        throw TransportException(failure);  // the last re-creation failed; the next may not
     }
 }
 
@@ -269,10 +272,11 @@ std::optional<zmq::socket_t> Link::Reopen() {
         try {
             monitor = Open();
         } catch (const TransportException& error) {
-            // Without a socket the link cannot be used again; say so to every later caller.
+            // Without a socket the link is unusable until a later call succeeds; until then every
+            // caller is told why.
             failure = error.what();
-            closed = true;
             replacing = false;
+            ++changes;
             changed.notify_all();
             throw;
         }

@@ -83,7 +83,8 @@ public:
 
     /// Replaces the socket by a new one connected to the same endpoint, for the watching thread
     /// when the transport dropped the link for good; returns the new socket's monitor, or nothing
-    /// once closed. Throws `TransportException`.
+    /// once closed. Throws `TransportException` when the new socket cannot be made; the link then
+    /// has no socket (its users get that `TransportException`) until a later call succeeds.
     std::optional<zmq::socket_t> Reopen();
 
     /// Closes the socket for good and returns once no thread waits on it. A second call does
@@ -112,7 +113,7 @@ private:
     int waiters = 0;
     bool replacing = false;
     bool closed = false;
-    std::string failure;  // why the link closed, when it was not shut down
+    std::string failure;  // why the socket could not be re-created, while it has none
     unsigned long changes = 0;
 };
 

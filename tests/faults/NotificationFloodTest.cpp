@@ -1,32 +1,17 @@
 // A flood of notifications while the application's callback is busy: the client holds a bounded
-// number, and what it has no room for is counted and logged instead of vanishing unseen.
+// number of bytes, and what it has no room for is counted and logged instead of vanishing unseen.
 
 #include <condition_variable>
 #include <mutex>
 #include <numeric>
+#include <thread>
 
-#include <Korvo/Plexis/Tessel/Serialization/Thrift/Notifier/Converters.h>
-
-#include "faults/FaultSupport.h"
+#include "faults/NotificationPeers.h"
 
 namespace Korvo::Testing {
 namespace {
 
-namespace Converters = Plexis::Tessel::Serialization::Thrift::Notifier;
-namespace Wire = Converters::Generated;
-
-// The bytes a server publishes for "server `id` added".
-std::string ServerAdded(int id) {
-    Events::ServerAddedEventArgs args;
-    args.serverId = id;
-    Wire::ServerAddedEventArgs wire;
-    EXPECT_TRUE(Converters::ServerAddedEventArgsToThriftConverter().To(args, wire).success);
-    auto bytes = Common::Serialization::SerializerImpl<Wire::ServerAddedEventArgs>().Serialize(wire);
-    return {reinterpret_cast<const char*>(bytes->Pointer()), bytes->Size()};
-}
-
 TEST(NotificationFloodTest, ASlowCallbackUnderAFloodKeepsTheQueueBoundedAndCountsAndLogsDrops) {
-    constexpr int kLimit = 200;
     constexpr int kFlood = 20000;
     auto log = RecordedLogger("Messaging", ILogger::Error);
     PublisherPeer publisher(0);  // queues without limit: whatever is lost, the client dropped
@@ -35,7 +20,7 @@ TEST(NotificationFloodTest, ASlowCallbackUnderAFloodKeepsTheQueueBoundedAndCount
     bool released = false;
     std::vector<int> seen;
     TransportOptions options;
-    options.receiveHighWaterMark = kLimit;
+    options.notificationQueueBytes = 64 << 10;  // room for about 200 of them
     NotificationClient client({Common::Messaging::EndPoint(publisher.Address())}, {}, options);
     {
         auto handlersLock = client.LockHandlers();
@@ -58,20 +43,27 @@ TEST(NotificationFloodTest, ASlowCallbackUnderAFloodKeepsTheQueueBoundedAndCount
         publisher.Publish("ServerStatus", "ServerAdded", ServerAdded(id));
     }
     auto& subscription = client.GetSubscription();
-    const std::uint64_t excess = kFlood - kLimit;
-    ASSERT_TRUE(Eventually([&] { return subscription.GetDroppedCount() >= excess; }));
-    EXPECT_EQ(subscription.GetDroppedCount(), excess);
-    EXPECT_EQ(CountLogged(*log, "200 notifications already wait for the application; dropping"),
-              1);
+    ASSERT_TRUE(Eventually([&] { return subscription.GetDroppedCount() > 0; }));
+    ASSERT_TRUE(Eventually([&] {
+        // The queue is full and nothing else arrives: each notification is queued or dropped.
+        const auto dropped = subscription.GetDroppedCount();
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        return subscription.GetDroppedCount() == dropped;
+    }));
+    const std::uint64_t excess = subscription.GetDroppedCount();
+    const std::size_t kept = kFlood - excess;
+    EXPECT_GT(kept, 100u);
+    EXPECT_LT(kept, 300u);
+    EXPECT_EQ(CountLogged(*log, "dropping what arrives until it catches up"), 1);
 
     {
         std::lock_guard<std::mutex> lock(mutex);
         released = true;
     }
     changed.notify_all();
-    ASSERT_TRUE(waitForSeen(kLimit + 1));
+    ASSERT_TRUE(waitForSeen(kept + 1));
     // The oldest are kept, in order; the newest were refused.
-    std::vector<int> expected(kLimit + 1);
+    std::vector<int> expected(kept + 1);
     std::iota(expected.begin(), expected.end(), 0);
     {
         std::lock_guard<std::mutex> lock(mutex);
@@ -85,7 +77,7 @@ TEST(NotificationFloodTest, ASlowCallbackUnderAFloodKeepsTheQueueBoundedAndCount
 
     // Once caught up, nothing is dropped any more.
     publisher.Publish("ServerStatus", "ServerAdded", ServerAdded(kFlood + 1));
-    ASSERT_TRUE(waitForSeen(kLimit + 2));
+    ASSERT_TRUE(waitForSeen(kept + 2));
     EXPECT_EQ(subscription.GetDroppedCount(), excess);
 }
 

@@ -87,9 +87,11 @@ long RouterPeer::Flood(const Frames& frames, std::chrono::milliseconds duration,
     return sent;
 }
 
-PublisherPeer::PublisherPeer(int sendHighWaterMark) : socket(context, zmq::socket_type::xpub) {
+PublisherPeer::PublisherPeer(int sendHighWaterMark, bool waitForRoom)
+    : socket(context, zmq::socket_type::xpub) {
     socket.set(zmq::sockopt::linger, 0);
     socket.set(zmq::sockopt::sndhwm, sendHighWaterMark);
+    socket.set(zmq::sockopt::xpub_nodrop, waitForRoom);
     socket.bind("tcp://127.0.0.1:*");
     address = socket.get(zmq::sockopt::last_endpoint);
 }

@@ -65,8 +65,9 @@ private:
 class PublisherPeer {
 public:
     /// `sendHighWaterMark` bounds what waits for a slow subscriber (ZeroMQ drops the rest); 0
-    /// queues without limit, so that nothing is lost on this side.
-    explicit PublisherPeer(int sendHighWaterMark = 1000);
+    /// queues without limit, so that nothing is lost on this side. With `waitForRoom`, `Publish`
+    /// waits for room instead of dropping: nothing is lost on this side either, in bounded memory.
+    explicit PublisherPeer(int sendHighWaterMark = 1000, bool waitForRoom = false);
 
     const std::string& Address() const { return address; }
 

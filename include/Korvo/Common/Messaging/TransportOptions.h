@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 
 namespace Korvo::Common::Messaging {
@@ -30,13 +31,12 @@ struct TransportOptions {
     /// How long one connection attempt (TCP connect, then greeting and CURVE handshake) may take.
     std::chrono::milliseconds connectTimeout{5000};
 
-    /// Largest frame accepted from a peer; a larger one drops the link, which is then re-created.
+    /// Largest message a messenger accepts from its server (a subscription has
+    /// `maxNotificationSize`); a larger one drops the link, which is then re-created.
     std::int64_t maxMessageSize = 16 * 1024 * 1024;
 
-    /// Most commands queued towards the server, and most messages queued towards the application
-    /// in ZeroMQ. A subscription also holds at most `receiveHighWaterMark` notifications in its
-    /// own queue for `Receive`, and drops (and counts) what arrives beyond that; 0 means no limit.
-    /// A messenger's replies are bounded by `receiveQueueBytes` too.
+    /// Most commands queued towards the server, and most replies queued towards the application
+    /// in ZeroMQ; 0 means no limit. A messenger's replies are bounded by `receiveQueueBytes` too.
     int sendHighWaterMark = 1000;
     int receiveHighWaterMark = 100000;
 
@@ -46,6 +46,18 @@ struct TransportOptions {
     /// reading from the server until the reception thread has taken some: nothing is dropped on
     /// this side, and the backlog waits in the server's send queue.
     std::int64_t receiveQueueBytes = 64 * 1024 * 1024;
+
+    /// Most bytes of notifications that wait in a subscription's queue for `Receive` (64 MiB):
+    /// what arrives beyond is dropped and counted. Each notification is charged its payload, its
+    /// header and topic and 256 bytes of bookkeeping; one notification is always let in when none
+    /// waits. ZeroMQ's own queue of each subscription socket holds at most as many notifications
+    /// as `notificationQueueBytes / maxNotificationSize` (at least 1; 32 by default), so it holds
+    /// no more bytes than this either.
+    std::size_t notificationQueueBytes = 64 * 1024 * 1024;
+
+    /// Largest notification a subscription accepts (2 MiB); a larger one makes the transport
+    /// drop the link, which is then re-created. Replies are bounded by `maxMessageSize` instead.
+    std::int64_t maxNotificationSize = 2 * 1024 * 1024;
 };
 
 }  // namespace Korvo::Common::Messaging

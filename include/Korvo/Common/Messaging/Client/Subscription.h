@@ -23,11 +23,16 @@ namespace Korvo::Common::Messaging::Client {
 /// notification off the sockets as it arrives and queues it for `Receive`. The destructor must
 /// not run while another thread is inside the subscription, nor on the handler.
 ///
-/// Memory stays bounded when the application falls behind: at most
-/// `TransportOptions::receiveHighWaterMark` notifications wait for `Receive` (0: no limit). What
-/// arrives while that many wait is dropped, counted (`GetDroppedCount`) and logged (logger
-/// "Messaging", level 50: once when dropping starts, once with the count when `Receive` has made
-/// room again).
+/// Memory stays bounded in bytes when the application falls behind: the notifications waiting
+/// for `Receive` take at most `TransportOptions::notificationQueueBytes`. What arrives while the
+/// queue is full is dropped, counted (`GetDroppedCount`) and logged (logger "Messaging", level 50:
+/// once when dropping starts, once with the count when the application has emptied the queue;
+/// both at most a few times a second).
+///
+/// Failures do not end the subscription: a link that cannot be read or re-created is retried by
+/// itself after a back-off (up to 0.5 s) while the other endpoints go on, and a failure of the
+/// receiving thread as a whole (memory running out, a failed poll) is retried likewise. Each
+/// failure is logged at a limited rate and reported once by `Receive`.
 class Subscription {
 public:
     /// One received notification.
@@ -68,13 +73,16 @@ public:
 
     /// Blocks until a notification arrives and returns it; notifications of one publisher come in
     /// the order published, and no endpoint is starved by a busier one. Malformed messages are
-    /// dropped and logged (logger "Messaging", level 50). Throws `ObjectShutDownException` once
-    /// shut down, also when that happens during the wait; `TransportException` when a socket
-    /// failed and every notification received before has been returned.
+    /// dropped, counted and logged (logger "Messaging", level 50). Throws `ObjectShutDownException`
+    /// once shut down, also when that happens during the wait; `TransportException` once for a
+    /// failure to receive (see the class comment) when every notification received before has
+    /// been returned. After a `TransportException` the next call waits as usual: receiving goes
+    /// on by itself.
     Event Receive();
 
-    /// How many notifications were received and dropped because the queue for `Receive` was full
-    /// (see the class comment). Only grows. Any thread; takes no lock.
+    /// How many notifications were received and then dropped: for lack of room in the queue, for
+    /// a malformed envelope, or because memory ran out while queueing them. Only grows. Any
+    /// thread; takes no lock.
     std::uint64_t GetDroppedCount() const;
 
     /// True once `ShutDown` has run. Any thread; takes no lock.

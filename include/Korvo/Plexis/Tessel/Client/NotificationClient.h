@@ -11,7 +11,6 @@
 #include <Korvo/Common/Messaging/Message.h>
 #include <Korvo/Common/Messaging/TransportOptions.h>
 #include <Korvo/Plexis/Tessel/Client/NotificationHandlers.h>
-#include <Korvo/Plexis/Tessel/Logging/ILogger.h>
 
 namespace Korvo::Plexis::Tessel::Client {
 
@@ -23,11 +22,14 @@ namespace Korvo::Plexis::Tessel::Client {
 /// `LockHandlers()` while changing them once notifications may be flowing. For each notification
 /// the thread calls, in order, every callback of the type's own list, then every callback of its
 /// family's list (with the type's enumerator), one notification at a time, in the order received; a
-/// slow callback delays every later one. Meanwhile at most `TransportOptions::receiveHighWaterMark`
-/// notifications wait; what arrives beyond that is dropped, logged and counted
+/// slow callback delays every later one. Meanwhile at most `TransportOptions::notificationQueueBytes`
+/// of notifications wait; what arrives beyond that is dropped, logged and counted
 /// (`GetSubscription().GetDroppedCount()`). A notification that cannot be decoded, or whose callback
 /// throws, is logged (logger "NotificationClient", level 50) and skipped; the next one is handled
-/// as usual. An unknown type name is logged and dropped.
+/// as usual. An unknown type name is logged and dropped. Repeats of these lines are limited to a
+/// few a second, with a count of those left out. A failure to receive is logged likewise and
+/// retried after a wait that grows to 1 s while it lasts; the thread ends only when the
+/// subscription is shut down.
 class NotificationClient : public NotificationHandlers {
 public:
     /// Subscribes to `topics` (empty: everything) on every endpoint and starts the receiving
@@ -38,7 +40,10 @@ public:
                        const Common::Messaging::TransportOptions& options = {});
 
     /// Shuts the subscription down, waits for the receiving thread to end (a callback that is
-    /// running finishes first), then releases the lists. Must not be called from a callback.
+    /// running finishes first), then releases the lists. A callback may destroy the client it is
+    /// called by: then the destructor returns at once, no further callback is called (not even
+    /// the rest of that notification's), and the thread ends by itself once that callback has
+    /// returned; what the callback captured stays valid until it returns.
     ~NotificationClient();
 
     NotificationClient(const NotificationClient&) = delete;
@@ -47,21 +52,18 @@ public:
     /// The lock under which the receiving thread calls the callbacks of one notification. Hold it
     /// while changing a list once notifications may arrive; then the change is seen whole by the
     /// next notification. Must not be called from a callback (the thread already holds it).
-    std::unique_lock<std::mutex> LockHandlers() {
-        return std::unique_lock<std::mutex>(handlersMutex);
-    }
+    std::unique_lock<std::mutex> LockHandlers();
 
     /// The subscription, for its connection states and handler. It lives as long as the client.
-    Common::Messaging::Client::Subscription& GetSubscription() { return *subscription; }
+    Common::Messaging::Client::Subscription& GetSubscription();
 
 private:
-    std::unique_ptr<Common::Messaging::Client::Subscription> subscription;
+    struct Loop;  // what the receiving thread uses; it outlives a client destroyed by a callback
+
+    std::shared_ptr<Loop> loop;
     std::future<void> worker;
 
     void Run();
-
-    std::shared_ptr<Logging::ILogger> logger;
-    std::mutex handlersMutex;
 };
 
 }  // namespace Korvo::Plexis::Tessel::Client
