@@ -227,7 +227,7 @@ struct Reader {
           frame(std::make_shared<PermissiveMemoryBuffer>(
               copy->Pointer(), copy->Size(), TMemoryBuffer::OBSERVE,
               Common::Serialization::Detail::FrameConfiguration(copy->Size()))),
-          protocol(frame) {}
+          protocol(frame, Common::Serialization::DecodeBudget().For(copy->Size())) {}
     std::unique_ptr<Buffer> copy;
     std::shared_ptr<PermissiveMemoryBuffer> frame;
     BoundedCompactProtocol protocol;
