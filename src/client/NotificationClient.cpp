@@ -5,6 +5,7 @@
 
 #include "client/NotificationDispatch.h"
 #include "logging/LogSupport.h"
+#include "logging/LogText.h"
 
 namespace Korvo::Plexis::Tessel::Client {
 namespace {
@@ -55,7 +56,7 @@ void NotificationClient::Run() {
         } catch (const std::exception& error) {
             Logging::LogComposed(
                 logger, ILogger::Error,
-                [&] { return std::string("Run: Exception (") + error.what() + ")."; }, kSource,
+                [&] { return "Run: Exception (" + Logging::Printable(error.what()) + ")."; }, kSource,
                 162);
         } catch (...) {
             Logging::Log(logger, ILogger::Error, "Run: Exception unknown.", kSource, 165);
