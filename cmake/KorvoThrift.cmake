@@ -1,11 +1,13 @@
 # Generation of the wire records from interface definitions, at build time.
 
 find_program(THRIFT_EXECUTABLE thrift REQUIRED)
+set(korvo_record_reading_script ${CMAKE_CURRENT_LIST_DIR}/KorvoRecordReading.cmake)
 
 # korvo_thrift_generate(<sources-var> OUTPUT_DIR <dir> FILES <file.thrift>... [INCLUDE_DIRS <dir>...])
 #
 # Runs `thrift --gen cpp:templates,moveable_types` on each file into OUTPUT_DIR and stores the
 # generated .cpp files in <sources-var>; the headers (<name>_types.h and .tcc) sit beside them.
+# The readers of the .tcc are then routed through our reading helpers (KorvoRecordReading.cmake).
 # Each generated file depends on every file of the call (an edit of an included definition
 # regenerates its includers), so editing a .thrift file rebuilds exactly what depends on it.
 function(korvo_thrift_generate var)
@@ -31,7 +33,9 @@ function(korvo_thrift_generate var)
             COMMAND ${CMAKE_COMMAND} -E make_directory ${ARG_OUTPUT_DIR}
             COMMAND ${THRIFT_EXECUTABLE} --gen cpp:templates,moveable_types ${include_flags}
                     -out ${ARG_OUTPUT_DIR} ${absolute}
-            DEPENDS ${all_files}
+            COMMAND ${CMAKE_COMMAND} -DFILE=${ARG_OUTPUT_DIR}/${name}_types.tcc
+                    -P ${korvo_record_reading_script}
+            DEPENDS ${all_files} ${korvo_record_reading_script}
             COMMENT "Generating C++ records from ${name}.thrift"
             VERBATIM)
         list(APPEND sources ${ARG_OUTPUT_DIR}/${name}_types.cpp)

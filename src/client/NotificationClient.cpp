@@ -13,6 +13,7 @@
 #include "client/NotificationDispatch.h"
 #include "logging/LogSupport.h"
 #include "logging/RateLimit.h"
+#include "logging/LogText.h"
 
 namespace Korvo::Plexis::Tessel::Client {
 namespace {
@@ -112,7 +113,7 @@ void NotificationClient::Run() {
             Logging::LogComposed(
                 state->logger, ILogger::Error,
                 [&] {
-                    return std::string("Run: Exception (") + what + ")." + Suppressed(*admitted);
+                    return "Run: Exception (" + Logging::Printable(what) + ")." + Suppressed(*admitted);
                 },
                 kSource, 162);
         }

@@ -16,13 +16,14 @@ ConversionResult Leaf<ChannelGuid, WireData::Guid>::ToWire(const ChannelGuid& so
 
 ConversionResult Leaf<ChannelGuid, WireData::Guid>::FromWire(const WireData::Guid& source,
                                                              ChannelGuid& target) {
-    auto parsed = ChannelGuid::Parse(source.value);
-    if (!parsed) {
-        return LeafFailure("'" + source.value +
-                           "' is not a channel identifier (player:<server>:<channel> or "
-                           "recorder:<server>:<channel>)");
+    // A text of another form is kept as an opaque identifier; only an over-long one is refused.
+    auto channel = ChannelGuid::FromWireText(source.value);
+    if (!channel) {
+        return LeafFailure("a channel identifier of " + std::to_string(source.value.size()) +
+                           " bytes is longer than the " +
+                           std::to_string(ChannelGuid::kMaxTextLength) + " kept");
     }
-    target = *parsed;
+    target = *channel;
     return {};
 }
 

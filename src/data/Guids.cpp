@@ -35,6 +35,9 @@ bool ReadNumber(const char* first, const char* last, Number& number) {
 }  // namespace
 
 std::string Guid::ToString() const {
+    if (type == Opaque) {
+        return std::string(GetText());
+    }
     if (IsUndefined()) {
         return {};
     }
@@ -68,9 +71,28 @@ std::optional<Guid> Guid::Parse(const std::string& text) {
     return Guid(type, server, channel);
 }
 
+std::optional<Guid> Guid::FromWireText(const std::string& text) {
+    // Only the exact spelling that ToString writes is parsed, so that two different texts never
+    // become one identifier; anything else is kept as it came.
+    auto parsed = Parse(text);
+    if (parsed && parsed->ToString() == text) {
+        return parsed;
+    }
+    if (text.size() > kMaxTextLength) {
+        return std::nullopt;
+    }
+    Guid opaque;
+    opaque.type = Opaque;
+    std::copy(text.begin(), text.end(), opaque.text.begin());
+    opaque.textLength = static_cast<std::uint8_t>(text.size());
+    return opaque;
+}
+
 bool operator<(const Guid& left, const Guid& right) {
-    return std::make_tuple(static_cast<int>(left.type), left.server, left.channel) <
-           std::make_tuple(static_cast<int>(right.type), right.server, right.channel);
+    const auto leftText = left.GetText();
+    const auto rightText = right.GetText();
+    return std::tie(left.type, left.server, left.channel, leftText) <
+           std::tie(right.type, right.server, right.channel, rightText);
 }
 
 }  // namespace Channels

@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <set>
 #include <stdexcept>
+#include <string>
 
 #include <Korvo/Common/Serialization/PointerBuffer.h>
 #include <Korvo/Common/Serialization/SerializerImpl.h>
@@ -247,17 +249,67 @@ TEST(ReplyBuilders, UndecodableOrUnconvertibleBytesAreInvalidArguments) {
     EXPECT_EQ(FailureOf(channels, "ChannelCommandReply", *tooMany),
               "ChannelCommandReply: the server sent 13 channel results; a ChannelCommandReply "
               "holds at most 12");
+}
 
-    Wire::GetChannelsCommandReply badKey;
-    badKey.__isset.playerStates = true;
-    Plexis::Data::Generated::Guid key;
-    key.value = "camera one";
-    badKey.playerStates[key];
-    auto unparsableKey =
-        Common::Serialization::SerializerImpl<Wire::GetChannelsCommandReply>().Serialize(badKey);
-    EXPECT_EQ(FailureOf(channels, "GetChannelsCommandReply", *unparsableKey),
-              "GetChannelsCommandReply.playerStates[]: 'camera one' is not a channel identifier "
-              "(player:<server>:<channel> or recorder:<server>:<channel>)");
+// The channel identifiers a server may send: ours, ours spelt with a leading zero, a UUID. Each
+// reply that carries channels is built whole, keeps the identifiers apart and encodes them back
+// exactly as they came.
+TEST(ReplyBuilders, ChannelIdentifiersOfAnyFormAreKeptApartAndGoBackUnchanged) {
+    const std::set<std::string> texts = {"player:1:0", "player:01:0",
+                                         "6f1c2a4e-0b7d-4c1e-9a53-2d8e5f4b7c10"};
+    ChannelCommandReplyBuilder builder;
+    const auto keys = [](const auto& map) {
+        std::set<std::string> found;
+        for (const auto& entry : map) {
+            found.insert(entry.first.value);
+        }
+        return found;
+    };
+
+    Wire::ChannelCommandReply results;
+    Wire::GetChannelsCommandReply states;
+    Wire::GetMultiviewerDataCommandReply overrides;
+    for (const std::string& text : texts) {
+        Plexis::Data::Generated::Guid channel;
+        channel.value = text;
+        Wire::ChannelResult result;
+        result.__set_channelGuid(channel);
+        results.results.push_back(result);
+        states.playerStates[channel];
+        states.recorderStates[channel];
+        overrides.playerDataOverrides[channel].playerGuid = channel;
+    }
+    results.__isset.results = states.__isset.playerStates = states.__isset.recorderStates = true;
+
+    const auto channelReply = builder.BuildCommandReply(
+        "ChannelCommandReply",
+        *Common::Serialization::SerializerImpl<Wire::ChannelCommandReply>().Serialize(results));
+    Wire::ChannelCommandReply resultsBack;
+    Converters::ChannelCommandReplyToThriftConverter().To(
+        dynamic_cast<const ChannelCommandReply&>(*channelReply), resultsBack);
+    std::set<std::string> resultTexts;
+    for (const auto& result : resultsBack.results) {
+        resultTexts.insert(result.channelGuid.value);
+    }
+    EXPECT_EQ(resultTexts, texts);
+
+    const auto statesReply = builder.BuildCommandReply(
+        "GetChannelsCommandReply",
+        *Common::Serialization::SerializerImpl<Wire::GetChannelsCommandReply>().Serialize(states));
+    Wire::GetChannelsCommandReply statesBack;
+    Converters::GetChannelsCommandReplyToThriftConverter().To(
+        dynamic_cast<const GetChannelsCommandReply&>(*statesReply), statesBack);
+    EXPECT_EQ(keys(statesBack.playerStates), texts);
+    EXPECT_EQ(keys(statesBack.recorderStates), texts);
+
+    const auto overridesReply = builder.BuildCommandReply(
+        "GetMultiviewerDataCommandReply",
+        *Common::Serialization::SerializerImpl<Wire::GetMultiviewerDataCommandReply>().Serialize(
+            overrides));
+    Wire::GetMultiviewerDataCommandReply overridesBack;
+    Converters::GetMultiviewerDataCommandReplyToThriftConverter().To(
+        dynamic_cast<const GetMultiviewerDataCommandReply&>(*overridesReply), overridesBack);
+    EXPECT_EQ(keys(overridesBack.playerDataOverrides), texts);
 }
 
 }  // namespace

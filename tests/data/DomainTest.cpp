@@ -22,6 +22,17 @@ TEST(ChannelGuid, WireTextRoundTripsAndMalformedTextIsRefused) {
                              "recorder:1:-1", "camera:1:1", " player:1:3"}) {
         EXPECT_FALSE(Guid::Parse(text).has_value()) << text;
     }
+    // Received texts: only our exact spelling is parsed; any other is kept whole, apart.
+    EXPECT_EQ(Guid::FromWireText("player:1:3"), Guid::PlayerOf(1, 3));
+    EXPECT_EQ(Guid::FromWireText(""), Guid());
+    for (const char* text : {"player:01:3", "player:+1:3", "6f1c2a4e-0b7d-4c1e-9a53-2d8e5f4b7c10"}) {
+        const auto opaque = Guid::FromWireText(text);
+        ASSERT_TRUE(opaque.has_value()) << text;
+        EXPECT_EQ(opaque->GetType(), Guid::Opaque) << text;
+        EXPECT_EQ(opaque->ToString(), text);
+        EXPECT_NE(*opaque, Guid::PlayerOf(1, 3)) << text;
+    }
+    EXPECT_FALSE(Guid::FromWireText(std::string(Guid::kMaxTextLength + 1, 'x')).has_value());
     EXPECT_LT(Guid::PlayerOf(2, 0), Guid::RecorderOf(1, 0));
     EXPECT_LT(Guid::PlayerOf(1, 9), Guid::PlayerOf(2, 0));
 }

@@ -5,6 +5,7 @@
 #include <Korvo/Plexis/Tessel/Logging/Loggers.h>
 #include <Korvo/Plexis/Tessel/Logging/StandardErrorLoggerFactory.h>
 
+#include "logging/LogText.h"
 #include "support/RecordingLogger.h"
 
 namespace {
@@ -106,6 +107,23 @@ TEST(StandardErrorLoggerFactory, WritesOnlyAtOrAboveItsLevel) {
     const std::string written = testing::internal::GetCapturedStderr();
     EXPECT_EQ(written.find("hidden"), std::string::npos);
     EXPECT_NE(written.find(" ERROR CommandClient: shown (file:2)\n"), std::string::npos);
+}
+
+TEST(LogText, NetworkTextCannotBreakALineOrGrowWithoutBound) {
+    const struct {
+        std::string text;
+        std::string logged;
+    } cases[] = {
+        {"PlayerStateChanged", "PlayerStateChanged"},
+        {"forged\n[50] line", "forged\\x0a[50] line"},
+        {"\x1b[2Jcleared", "\\x1b[2Jcleared"},
+        {std::string("nul\0byte", 8), "nul\\x00byte"},
+        {"back\\slash \xC3\xA9", "back\\x5cslash \\xc3\\xa9"},
+        {std::string(300, 'x'), std::string(128, 'x') + "...(300 bytes)"},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(Korvo::Plexis::Tessel::Logging::Printable(c.text), c.logged);
+    }
 }
 
 }  // namespace

@@ -79,12 +79,37 @@ TEST(RecordReading, IncompleteAngleFailsTheWholeReplyThroughTheDeserializer) {
     }
 }
 
-TEST(RecordReading, RepeatedMapKeyKeepsTheLastValue) {
-    // playerStates (field 2): "a" with channelNumber (field 2) 1, then "a" again with 2.
+TEST(RecordReading, RepeatedMapKeyKeepsTheLastValueWhole) {
+    // Each map holds key "a" twice: first with one field set, then with another. The value read
+    // last replaces the first; nothing of the first survives.
+    // playerStates (field 2): channelNumber (field 2) 1, then serverId (field 4) 2.
     const auto channels = ReadGenerated<Replies::GetChannelsCommandReply>(
-        Join({{0x2B, 0x02, 0xCC}, kGuidA, {0x25, 0x02, 0x00}, kGuidA, {0x25, 0x04, 0x00, 0x00}}));
+        Join({{0x2B, 0x02, 0xCC}, kGuidA, {0x25, 0x02, 0x00}, kGuidA, {0x45, 0x04, 0x00, 0x00}}));
     ASSERT_EQ(channels.playerStates.size(), 1u);
-    EXPECT_EQ(channels.playerStates.begin()->second.channelNumber, 2);
+    Channels::PlayerState player;
+    player.__set_serverId(2);
+    EXPECT_EQ(channels.playerStates.begin()->second, player);
+
+    // playerDataOverrides (field 3, after fields 1 and 2): the first with clipCreationIn
+    // (field 2) 1, the second with only its player.
+    const auto overrides = Deserialize<Replies::GetMultiviewerDataCommandReply>(Join(
+        {{0x1C}, kGuidA, {0x1C, 0x15, 0x00, 0x00, 0x1B, 0x02, 0xCC}, kGuidA, {0x1C}, kGuidA,
+         {0x16, 0x02, 0x00}, kGuidA, {0x1C}, kGuidA, {0x00, 0x00}}));
+    ASSERT_EQ(overrides.playerDataOverrides.size(), 1u);
+    EXPECT_FALSE(overrides.playerDataOverrides.begin()->second.__isset.clipCreationIn);
+}
+
+TEST(RecordReading, UnknownFieldsAreSkippedInsideTheDeepestRecord) {
+    // A playlist reply down to a tag property, the deepest record: results, playlist, track,
+    // elements, element, tags, properties {7: {dataType 1, then unknown field 3 holding a
+    // struct in a struct}}.
+    const Bytes reply = {0x29, 0x1C, 0x2C, 0x1C, 0x19, 0x1C, 0x9C, 0xA9, 0x1C, 0x4B, 0x01,
+                         0x5C, 0x0E, 0x15, 0x02, 0x2C, 0x1C, 0x00, 0x00, 0x00, 0x00, 0x00,
+                         0x00, 0x00, 0x00, 0x00, 0x00, 0x00};
+    const auto decoded = Deserialize<Replies::PlaylistCommandReply>(reply);
+    const auto& tag =
+        decoded.results.at(0).playlist.audioVideoTrack.elements.at(0).element.tags.at(0);
+    EXPECT_EQ(tag.properties.at(7).dataType, 1);
 }
 
 TEST(RecordReading, AbsentOptionalsStayUnsetAndABooleanHeaderCarriesItsValue) {

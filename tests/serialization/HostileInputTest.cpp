@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
+#include <cstdint>
 #include <functional>
 #include <initializer_list>
 #include <memory>
@@ -16,11 +17,14 @@
 #include <string>
 #include <vector>
 
+#include <malloc.h>
+
 #include <thrift/Thrift.h>
 #include <thrift/protocol/TProtocolException.h>
 #include <thrift/transport/TTransportException.h>
 
 #include <Korvo/Common/Messaging/Message.h>
+#include <Korvo/Common/Serialization/DecodeBudget.h>
 #include <Korvo/Common/Serialization/DeserializerImpl.h>
 #include <Korvo/Common/Serialization/InvalidFormatException.h>
 #include <Korvo/Common/Serialization/PointerBuffer.h>
@@ -33,12 +37,15 @@
 #include "support/HostileFrames.h"
 #include "support/SamplePayloads.h"
 
-// The largest single C++ allocation made by this thread while watching. The decoder's
-// containers and strings all allocate through operator new. Every form is replaced, so that all
-// of them allocate and free alike (the sanitizers check that they match).
+// The largest single C++ allocation made by this thread while watching, and the most bytes it
+// held at once beyond what it held when watching began. The decoder's containers and strings all
+// allocate through operator new. Every form is replaced, so that all of them allocate and free
+// alike (the sanitizers check that they match).
 namespace {
 thread_local bool watching = false;
 thread_local std::size_t largestAllocation = 0;
+thread_local std::int64_t heldBytes = 0;
+thread_local std::int64_t mostHeldBytes = 0;
 
 void* Allocate(std::size_t size, std::size_t alignment = alignof(std::max_align_t)) {
     if (watching && size > largestAllocation) {
@@ -48,7 +55,18 @@ void* Allocate(std::size_t size, std::size_t alignment = alignof(std::max_align_
     if (posix_memalign(&block, std::max(alignment, sizeof(void*)), size == 0 ? 1 : size) != 0) {
         throw std::bad_alloc();
     }
+    if (watching) {
+        heldBytes += static_cast<std::int64_t>(malloc_usable_size(block));
+        mostHeldBytes = std::max(mostHeldBytes, heldBytes);
+    }
     return block;
+}
+
+void Release(void* block) noexcept {
+    if (watching && block != nullptr) {
+        heldBytes -= static_cast<std::int64_t>(malloc_usable_size(block));
+    }
+    std::free(block);
 }
 
 void* AllocateOrNull(std::size_t size, std::size_t alignment) noexcept {
@@ -85,40 +103,40 @@ void* operator new[](std::size_t size, std::align_val_t alignment, const std::no
     return AllocateOrNull(size, static_cast<std::size_t>(alignment));
 }
 void operator delete(void* block) noexcept {
-    std::free(block);
+    Release(block);
 }
 void operator delete[](void* block) noexcept {
-    std::free(block);
+    Release(block);
 }
 void operator delete(void* block, std::size_t) noexcept {
-    std::free(block);
+    Release(block);
 }
 void operator delete[](void* block, std::size_t) noexcept {
-    std::free(block);
+    Release(block);
 }
 void operator delete(void* block, std::align_val_t) noexcept {
-    std::free(block);
+    Release(block);
 }
 void operator delete[](void* block, std::align_val_t) noexcept {
-    std::free(block);
+    Release(block);
 }
 void operator delete(void* block, std::size_t, std::align_val_t) noexcept {
-    std::free(block);
+    Release(block);
 }
 void operator delete[](void* block, std::size_t, std::align_val_t) noexcept {
-    std::free(block);
+    Release(block);
 }
 void operator delete(void* block, const std::nothrow_t&) noexcept {
-    std::free(block);
+    Release(block);
 }
 void operator delete[](void* block, const std::nothrow_t&) noexcept {
-    std::free(block);
+    Release(block);
 }
 void operator delete(void* block, std::align_val_t, const std::nothrow_t&) noexcept {
-    std::free(block);
+    Release(block);
 }
 void operator delete[](void* block, std::align_val_t, const std::nothrow_t&) noexcept {
-    std::free(block);
+    Release(block);
 }
 
 namespace Korvo::Testing {
@@ -150,6 +168,8 @@ template <class Attempt>
 std::string FailureOf(Attempt&& attempt, std::size_t& largest) {
     std::string failure = "(no exception)";
     largestAllocation = 0;
+    heldBytes = 0;
+    mostHeldBytes = 0;
     watching = true;
     try {
         attempt();
@@ -182,6 +202,40 @@ TEST(HostileInput, EveryReplyBuilderRejectsItAsUnparsableWithoutALargeAllocation
     EXPECT_EQ(FailureOf([&] { data.BuildCommandReply("[part]ClipCommandReply", *claim); }, largest),
               "invalid_argument: The input could not be parsed by the deserializer");
     EXPECT_LE(largest, kAllocationBound);
+}
+
+// Valid frames of empty elements: each element costs the frame one byte or two and the decoded
+// reply its whole in-memory size. Decoding them stops at the budget, before its memory is taken.
+TEST(HostileInput, FramesOfEmptyElementsFailWithinTheDecodeBudget) {
+    constexpr std::size_t kElements = 65536;
+    const std::string count = "\x80\x80\x04"s;  // 65536
+    const std::string empties(kElements, '\x00');
+    const std::string emptyPairs(2 * kElements, '\x00');
+    Plexis::Tessel::Client::ChannelCommandReplyBuilder channel;
+    Plexis::Tessel::Client::DataCommandReplyBuilder data;
+    struct Case {
+        Plexis::Tessel::Client::CommandReplyBuilder* builder;
+        const char* replyType;
+        std::string bytes;
+    } cases[] = {
+        {&data, "GetTrainsCommandReply", "\x39\xFC"s + count + empties + "\x00"s},
+        {&data, "GetClipsCommandReply", "\x39\xFC"s + count + empties + "\x00"s},
+        {&data, "GetServersCommandReply", "\x29\xFC"s + count + empties + "\x00"s},
+        {&channel, "GetChannelsCommandReply", "\x2B"s + count + "\xCC"s + emptyPairs + "\x00"s},
+        {&channel, "GetMultiviewerDataCommandReply",
+         "\x3B"s + count + "\xCC"s + emptyPairs + "\x00"s},
+    };
+    for (const Case& frame : cases) {
+        const auto buffer = ExactCopy(frame.bytes);
+        std::size_t largest = 0;
+        EXPECT_EQ(FailureOf([&] { frame.builder->BuildCommandReply(frame.replyType, *buffer); },
+                            largest),
+                  "invalid_argument: The input could not be parsed by the deserializer")
+            << frame.replyType;
+        EXPECT_LE(static_cast<std::uint64_t>(mostHeldBytes),
+                  Common::Serialization::DecodeBudget().For(frame.bytes.size()))
+            << frame.replyType;
+    }
 }
 
 TEST(HostileInput, TheDeserializerThrowsInvalidFormat) {
@@ -227,7 +281,7 @@ struct Reader {
           frame(std::make_shared<PermissiveMemoryBuffer>(
               copy->Pointer(), copy->Size(), TMemoryBuffer::OBSERVE,
               Common::Serialization::Detail::FrameConfiguration(copy->Size()))),
-          protocol(frame) {}
+          protocol(frame, Common::Serialization::DecodeBudget().For(copy->Size())) {}
     std::unique_ptr<Buffer> copy;
     std::shared_ptr<PermissiveMemoryBuffer> frame;
     BoundedCompactProtocol protocol;

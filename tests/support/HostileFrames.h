@@ -27,6 +27,12 @@ inline std::vector<HostileFrame> HostileFrames() {
         {"a map claiming 2^28 double pairs (2^32 bytes, 0 in 32 bits)", "GetChannelsCommandReply",
          "\x2B\x80\x80\x80\x80\x01\x77"s},
         {"a negative string length", "UnknownCommand", "\x18\xFF\xFF\xFF\xFF\x0F"s},
+        // Sizes whose low 32 bits are small: cut to 32 bits they read as a valid frame.
+        {"a list size of 2^32", "ChannelCommandReply", "\x29\xFC\x80\x80\x80\x80\x10\x00"s},
+        {"a list size of 2^63", "ChannelCommandReply",
+         "\x29\xFC\x80\x80\x80\x80\x80\x80\x80\x80\x80\x01\x00"s},
+        {"a map size of 2^32", "GetChannelsCommandReply", "\x2B\x80\x80\x80\x80\x10\x00"s},
+        {"a string length of 2^32+1", "UnknownCommand", "\x18\x81\x80\x80\x80\x10x\x00"s},
         {"a negative list size", "ChannelCommandReply", "\x29\xFC\x80\x80\x80\x80\x08"s},
         {"an 11-byte varint", "UnknownCommand",
          "\x18\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\x01"s},

@@ -6,6 +6,7 @@
 #include <thrift/Thrift.h>
 
 #include <Korvo/Common/Serialization/Buffer.h>
+#include <Korvo/Common/Serialization/DecodeBudget.h>
 #include <Korvo/Common/Serialization/InvalidFormatException.h>
 #include <Korvo/Common/Serialization/Thrift/BoundedCompactProtocol.h>
 #include <Korvo/Common/Serialization/Thrift/PermissiveMemoryBuffer.h>
@@ -18,7 +19,8 @@ inline constexpr const char* kUnparsableInputMessage =
 
 /// How deeply the records of the protocol nest structs at most (a reply, the clips it carries,
 /// their parts...). Decoding refuses to go deeper: each level costs stack, and no valid reply or
-/// notification needs more. The records' tests keep this equal to the deepest record.
+/// notification needs more. The records' tests keep this equal to the deepest record. Skipping
+/// an unknown field does not count against it (a skipped value may nest this deep on its own).
 inline constexpr int kDeepestRecordNesting = 8;
 
 namespace Detail {
@@ -28,24 +30,28 @@ std::shared_ptr<apache::thrift::TConfiguration> FrameConfiguration(unsigned int 
 }  // namespace Detail
 
 /// Decodes compact-protocol bytes into one wire record `G`, reading them in place (no copy).
-/// Stateless; may run on any number of threads at once.
+/// Keeps no mutable state; may run on any number of threads at once.
 template <class G>
 class DeserializerImpl {
 public:
     using Record = G;
 
+    /// Decodes within `budget` (the default: see `DecodeBudget`).
+    explicit DeserializerImpl(DecodeBudget budget = DecodeBudget()) : budget(budget) {}
+
     /// Fills `record` from `size` bytes at `bytes` (which may be null when `size` is 0). Throws
     /// `InvalidFormatException` "The input could not be parsed by the deserializer" for any Thrift
     /// failure (truncated input, wrong types, a missing required field, a size the bytes cannot
-    /// hold, nesting deeper than any record); other exceptions such as `std::bad_alloc` pass
-    /// through. Reads nothing outside the `size` bytes.
+    /// hold, nesting deeper than any record, a record that would take more memory than the
+    /// budget allows); other exceptions such as `std::bad_alloc` pass through. Reads nothing
+    /// outside the `size` bytes.
     void Deserialize(const unsigned char* bytes, unsigned int size, G& record) const {
         using apache::thrift::transport::TMemoryBuffer;
         try {
             auto transport = std::make_shared<Thrift::PermissiveMemoryBuffer>(
                 const_cast<unsigned char*>(bytes), size, TMemoryBuffer::OBSERVE,
                 Detail::FrameConfiguration(size));
-            Thrift::BoundedCompactProtocol protocol(transport);
+            Thrift::BoundedCompactProtocol protocol(transport, budget.For(size));
             record.read(&protocol);
         } catch (const apache::thrift::TException&) {
             throw InvalidFormatException(kUnparsableInputMessage);
@@ -56,6 +62,9 @@ public:
     void Deserialize(const Buffer& buffer, G& record) const {
         Deserialize(buffer.Pointer(), buffer.Size(), record);
     }
+
+private:
+    DecodeBudget budget;
 };
 
 }  // namespace Korvo::Common::Serialization

@@ -25,20 +25,33 @@ namespace Korvo::Common::Serialization::Thrift {
 /// - a string claims no more than the unread bytes of the frame, checked before its buffer grows
 ///   (no more than the whole frame when read through the `TProtocol` interface rather than
 ///   through this class, as generated records read);
-/// - the nesting depth is the transport configuration's recursion limit (see `FrameConfiguration`).
+/// - sizes and lengths are read in 64 bits: one of 2^32 or more is refused, never cut to 32 bits;
+/// - what the decoded record takes in memory (strings, list elements, set and map entries, at
+///   their in-memory size) is charged against a budget (`DecodeBudget`) before it is allocated;
+/// - the nesting depth of records is the transport configuration's recursion limit (see
+///   `FrameConfiguration`); skipping an unknown field does not count against it, so an unknown
+///   field is skipped at any depth, and a skipped value may itself nest up to
+///   `kDeepestRecordNesting` levels.
 /// A rejection is a Thrift `TProtocolException` or `TTransportException`, like any other parse
-/// failure. Unknown fields are skipped through the same checks.
+/// failure. Unknown fields are skipped through the same size checks, without being charged.
 ///
 /// One protocol reads one frame on one thread; make a new one for every frame.
 class BoundedCompactProtocol
     : public apache::thrift::protocol::TCompactProtocolT<PermissiveMemoryBuffer> {
 public:
-    /// Reads the unread bytes of `frame`, which must not change while the protocol is in use.
-    explicit BoundedCompactProtocol(std::shared_ptr<PermissiveMemoryBuffer> frame);
+    /// Reads the unread bytes of `frame`, which must not change while the protocol is in use;
+    /// the decoded record may take `budgetBytes` of memory.
+    BoundedCompactProtocol(std::shared_ptr<PermissiveMemoryBuffer> frame,
+                           std::uint64_t budgetBytes);
 
     void checkReadBytesAvailable(apache::thrift::protocol::TList& list) override;
     void checkReadBytesAvailable(apache::thrift::protocol::TSet& set) override;
     void checkReadBytesAvailable(apache::thrift::protocol::TMap& map) override;
+
+    uint32_t readListBegin(apache::thrift::protocol::TType& elemType, uint32_t& size);
+    uint32_t readSetBegin(apache::thrift::protocol::TType& elemType, uint32_t& size);
+    uint32_t readMapBegin(apache::thrift::protocol::TType& keyType,
+                          apache::thrift::protocol::TType& valType, uint32_t& size);
 
     /// Reads a string (or binary) after checking its claimed length against the unread bytes.
     uint32_t readString(std::string& str);
@@ -47,12 +60,22 @@ public:
     /// Skips a field of an unknown id or type with the same checks as a field that is read.
     uint32_t skip(apache::thrift::protocol::TType type);
 
+    /// Charges `bytes` of decoded memory; throws `TProtocolException` `SIZE_LIMIT` when that
+    /// exceeds what is left of the budget. Called by the generated readers before allocating.
+    void ChargeDecoded(std::uint64_t bytes);
+
 private:
+    /// A container size or string length from its varint, refused when negative or over 2^31-1.
+    uint32_t ReadSize(std::uint32_t& size);
+    uint32_t Skip(apache::thrift::protocol::TType type, int depth);
+
     /// Charges `elements` elements of at least `bytesPerElement` bytes each (at least one).
     void Claim(std::uint32_t elements, int bytesPerElement);
 
     /// Elements that the containers of the frame may still claim.
     std::uint64_t unclaimedElements;
+    /// Bytes of decoded memory still allowed.
+    std::uint64_t budgetLeft;
 };
 
 }  // namespace Korvo::Common::Serialization::Thrift
