@@ -24,6 +24,7 @@ using namespace Korvo::Plexis::Tessel;
 // A number between `low` and `high` inclusive; NaN, infinities and text are refused.
 CLI::Validator Within(double low, double high) {
     std::ostringstream description;
+    description.precision(15);
     description << "in [" << low << " - " << high << "]";
     return CLI::Validator(
         [low, high](std::string& input) -> std::string {
@@ -32,6 +33,7 @@ CLI::Validator Within(double low, double high) {
             stream >> value;
             if (stream.fail() || !stream.eof() || !(value >= low && value <= high)) {
                 std::ostringstream message;
+                message.precision(15);
                 message << "Value " << input << " not in range " << low << " to " << high;
                 return message.str();
             }

@@ -42,13 +42,20 @@ constexpr auto kSaveInterval = std::chrono::seconds(1);
 constexpr auto kRebindInterval = std::chrono::seconds(1);
 // How long a restart waits for its own ports, which ZeroMQ releases asynchronously.
 constexpr auto kRestartPatience = std::chrono::seconds(2);
-// While replies wait in the simulator's own queues, they are offered to ZeroMQ this often.
+// While replies wait in the simulator's own queues and ZeroMQ took none at the last offer, they
+// are offered again this often; while it takes them, as soon as the socket has room.
 constexpr auto kRetryInterval = std::chrono::milliseconds(2);
 // ZeroMQ's own queues hold few messages per peer: replies wait in the simulator's queues,
 // which are bounded in bytes, and notifications for a subscriber that does not read are dropped.
 constexpr int kCommandHighWaterMark = 8;
 constexpr int kNotificationHighWaterMark = 10000;
 constexpr std::int64_t kMaxMessageSize = 16 * 1024 * 1024;
+// A subscription is a topic, tens of bytes; ZeroMQ keeps each one in a trie of one node per
+// byte, so a subscriber sending a longer one is disconnected.
+constexpr std::int64_t kMaxSubscriptionSize = 1024;
+// Messages read in one turn of the loop from either socket, so that a flood on one never starves
+// the other, the ticks or the calls of the API.
+constexpr int kReadBatch = 256;
 // What an entry of a queue costs beyond its bytes, for the accounting of the bounds.
 constexpr std::size_t kEntryOverhead = 128;
 
@@ -221,6 +228,7 @@ public:
         delayedBytes = 0;
         outbox.clear();
         outboxBytes = 0;
+        outboxMoving = false;
         CloseSockets();
         Count([](Statistics& s) { ++s.restarts; });
         try {
@@ -276,7 +284,8 @@ private:
     void Send(const std::string& identity, const std::string& ticket, OutgoingMessage message);
     Offer OfferToSocket(const std::string& identity, const std::string& ticket,
                         const OutgoingMessage& message);
-    void FlushOutbox();
+    // Offers what waits to ZeroMQ; whether it took any.
+    bool FlushOutbox();
     void Shed(const char* where, std::size_t held, std::size_t limit);
     void Publish(const std::vector<Notice>& notices);
     void SendDue(Clock::time_point now);
@@ -301,6 +310,7 @@ private:
     std::size_t delayedBytes = 0;
     std::map<std::string, PeerQueue> outbox;  // by peer identity; no empty queue is kept
     std::size_t outboxBytes = 0;
+    bool outboxMoving = false;
     std::size_t subscriptionBytes = 0;  // of the topics in `subscriptions`
     Clock::time_point nextRebind{};
     Logging::RateLimit shedLog, envelopeLog, sendLog, subscriptionLog;
@@ -382,7 +392,8 @@ void Simulator::Impl::Bind(Clock::duration patience) {
         ref.set(zmq::sockopt::linger, 0);
         ref.set(zmq::sockopt::sndhwm,
                 type == ZMQ_ROUTER ? kCommandHighWaterMark : kNotificationHighWaterMark);
-        ref.set(zmq::sockopt::maxmsgsize, kMaxMessageSize);
+        ref.set(zmq::sockopt::maxmsgsize,
+                type == ZMQ_ROUTER ? kMaxMessageSize : kMaxSubscriptionSize);
         if (!options.curveSecretKey.empty()) {
             ref.set(zmq::sockopt::curve_server, true);
             ref.set(zmq::sockopt::curve_secretkey, options.curveSecretKey);
@@ -470,8 +481,12 @@ void Simulator::Impl::Run() {
         const auto wait = std::chrono::duration_cast<std::chrono::milliseconds>(wakeAt -
                                                                                 Clock::now());
         // Unbound after a failed restart: only the wake-up and the clock.
+        // The command socket's room is watched only while replies wait and the last offer moved
+        // some: a peer that reads nothing leaves its queue full while others have room, and
+        // watching for room then would spin.
+        const short commandEvents = ZMQ_POLLIN | (outboxMoving ? ZMQ_POLLOUT : 0);
         zmq_pollitem_t items[] = {{nullptr, wakeFd, ZMQ_POLLIN, 0},
-                                  {router.get(), 0, ZMQ_POLLIN, 0},
+                                  {router.get(), 0, commandEvents, 0},
                                   {publisher.get(), 0, ZMQ_POLLIN, 0}};
         const int itemCount = router && publisher ? 3 : 1;
         if (zmq_poll(items, itemCount, std::max<long>(0, static_cast<long>(wait.count()) + 1)) <
@@ -494,7 +509,7 @@ void Simulator::Impl::Run() {
         if (itemCount == 3 && (items[2].revents & ZMQ_POLLIN) && publisher) {
             ReadSubscriptions();
         }
-        FlushOutbox();
+        outboxMoving = !outbox.empty() && FlushOutbox();
         const auto now = Clock::now();
         SendDue(now);
         if (!router && nextRebind != Clock::time_point{} && now >= nextRebind) {
@@ -536,7 +551,7 @@ void Simulator::Impl::RunTasks() {
 void Simulator::Impl::ReadCommands() {
     zmq::socket_ref socket(zmq::from_handle, router.get());
     // A bounded batch, so that ticks and tasks are never starved by a flood.
-    for (int batch = 0; batch < 256 && router; ++batch) {
+    for (int batch = 0; batch < kReadBatch && router; ++batch) {
         std::vector<zmq::message_t> frames;
         zmq::message_t frame;
         if (!socket.recv(frame, zmq::recv_flags::dontwait)) {
@@ -702,7 +717,8 @@ Simulator::Impl::Offer Simulator::Impl::OfferToSocket(const std::string& identit
     return Offer::Taken;
 }
 
-void Simulator::Impl::FlushOutbox() {
+bool Simulator::Impl::FlushOutbox() {
+    bool moved = false;
     for (auto peer = outbox.begin(); peer != outbox.end() && router;) {
         auto& queue = peer->second;
         Offer offer = Offer::Taken;
@@ -713,6 +729,7 @@ void Simulator::Impl::FlushOutbox() {
                 break;
             }
             // Taken, or the peer has gone: either way it no longer waits here.
+            moved = true;
             const std::size_t cost = CostOf(message);
             queue.bytes -= cost;
             outboxBytes -= cost;
@@ -726,6 +743,7 @@ void Simulator::Impl::FlushOutbox() {
         }
         peer = queue.messages.empty() ? outbox.erase(peer) : std::next(peer);
     }
+    return moved;
 }
 
 void Simulator::Impl::Shed(const char* where, std::size_t held, std::size_t limit) {
@@ -767,7 +785,8 @@ void Simulator::Impl::Publish(const std::vector<Notice>& notices) {
 void Simulator::Impl::ReadSubscriptions() {
     zmq::socket_ref socket(zmq::from_handle, publisher.get());
     zmq::message_t message;
-    while (socket.recv(message, zmq::recv_flags::dontwait)) {
+    for (int batch = 0; batch < kReadBatch && socket.recv(message, zmq::recv_flags::dontwait);
+         ++batch) {
         // One frame: 1 (subscribe) or 0 (unsubscribe), then the topic.
         if (message.size() == 0) {
             continue;

@@ -84,6 +84,7 @@ TEST(HostileClientTest, TheSimulatorStaysBoundedAliveAndServingUnderEachHostileP
         SCOPED_TRACE(test.name);
         SimulatorProcess server(test.arguments);
         const long long before = ResidentBytes(server.Pid());
+        const auto cpuBefore = CpuTime(server.Pid());
         std::atomic<bool> stop{false};
         std::thread peer([&] {
             if (test.attack == Lister) {
@@ -103,7 +104,8 @@ TEST(HostileClientTest, TheSimulatorStaysBoundedAliveAndServingUnderEachHostileP
         std::this_thread::sleep_for(500ms);  // what the peer left behind, once it has gone
         const long long after = ResidentBytes(server.Pid());
         std::cout << "[ RSS      ] " << test.name << ": " << (before >> 20) << " MiB at start, "
-                  << (peak >> 20) << " MiB at peak, " << (after >> 20) << " MiB after\n";
+                  << (peak >> 20) << " MiB at peak, " << (after >> 20) << " MiB after; "
+                  << (CpuTime(server.Pid()) - cpuBefore).count() << " ms of CPU\n";
         EXPECT_LT(peak, kResidentCap);
         EXPECT_LT(after, kResidentCap);
         ASSERT_TRUE(server.Running());
