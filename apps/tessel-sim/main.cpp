@@ -5,9 +5,11 @@
 
 #include <signal.h>
 
+#include <cmath>
 #include <cstdlib>
 #include <iostream>
 #include <memory>
+#include <sstream>
 
 #include <CLI/CLI.hpp>
 
@@ -18,6 +20,31 @@
 namespace {
 
 using namespace Korvo::Plexis::Tessel;
+
+// A number between `low` and `high` inclusive; NaN, infinities and text are refused.
+CLI::Validator Within(double low, double high) {
+    std::ostringstream description;
+    description.precision(15);
+    description << "in [" << low << " - " << high << "]";
+    return CLI::Validator(
+        [low, high](std::string& input) -> std::string {
+            std::istringstream stream(input);
+            double value = 0;
+            stream >> value;
+            if (stream.fail() || !stream.eof() || !(value >= low && value <= high)) {
+                std::ostringstream message;
+                message.precision(15);
+                message << "Value " << input << " not in range " << low << " to " << high;
+                return message.str();
+            }
+            return {};
+        },
+        description.str());
+}
+
+constexpr double kMaxCount = Simulator::kMaxCount;
+constexpr double kMaxDelayMs = 3600000;  // one hour
+constexpr double kMaxMebibytes = 65536;
 
 }  // namespace
 
@@ -30,11 +57,19 @@ int main(int argc, char** argv) {
     bool verbose = false;
     long long delayMs = 0;
     long long jitterMs = 0;
+    std::size_t stateFileLimitMb = options.stateFileLimitBytes >> 20;
+    std::size_t peerQueueMb = options.peerQueueBytes >> 20;
+    std::size_t sendQueueMb = options.sendQueueBytes >> 20;
+    std::size_t delayedMb = options.delayedReplyBytes >> 20;
+    std::size_t subscriptionsMb = options.subscriptionBytes >> 20;
 
     CLI::App app{"tessel-sim: a replay-server simulator speaking the Tessel protocol over ZeroMQ.\n"
                  "Prints \"commands: <endpoint>\" and \"notifications: <endpoint>\", then serves\n"
                  "until SIGINT or SIGTERM. SIGHUP restarts it; SIGUSR1 takes server 1 off the\n"
-                 "network, SIGUSR2 brings it back.",
+                 "network, SIGUSR2 brings it back. An address in use stops the start at once;\n"
+                 "after a restart it is tried again every second. Replies for peers that do not\n"
+                 "read, and delayed replies, are bounded in bytes (the -mb options): beyond,\n"
+                 "they are dropped, counted and logged.",
                  "tessel-sim"};
     app.footer("Examples:\n"
                "  tessel-sim                          # tcp://127.0.0.1:5555 and :5556\n"
@@ -52,37 +87,74 @@ int main(int argc, char** argv) {
     app.add_flag("--curve", curve, "Encrypt with a fresh CURVE key pair (public key printed)");
     app.add_option("--seed", options.seed, "Seed of the content and of the fault draws")
         ->capture_default_str();
-    app.add_option("--servers", options.servers, "Servers")->capture_default_str();
+    app.add_option("--servers", options.servers, "Servers")
+        ->capture_default_str()
+        ->check(Within(0, kMaxCount));
     app.add_option("--players", options.playersPerServer, "Players per server")
-        ->capture_default_str();
+        ->capture_default_str()
+        ->check(Within(0, kMaxCount));
     app.add_option("--recorders", options.recordersPerServer, "Recorders per server")
-        ->capture_default_str();
-    app.add_option("--clips", options.clips, "Clips seeded")->capture_default_str();
-    app.add_option("--playlists", options.playlists, "Playlists seeded")->capture_default_str();
-    app.add_option("--groups", options.anglesGroups, "Angles groups seeded")->capture_default_str();
+        ->capture_default_str()
+        ->check(Within(0, kMaxCount));
+    app.add_option("--clips", options.clips, "Clips seeded")
+        ->capture_default_str()
+        ->check(Within(0, kMaxCount));
+    app.add_option("--playlists", options.playlists, "Playlists seeded")
+        ->capture_default_str()
+        ->check(Within(0, kMaxCount));
+    app.add_option("--groups", options.anglesGroups, "Angles groups seeded")
+        ->capture_default_str()
+        ->check(Within(0, kMaxCount));
     app.add_option("--part-size", options.partSize, "Most items in one message of a listing")
         ->capture_default_str()
-        ->check(CLI::PositiveNumber);
+        ->check(Within(1, kMaxCount));
     app.add_option("--mass-threshold", options.massThreshold,
                    "Clips beyond which one mass notification replaces one per clip")
-        ->capture_default_str();
+        ->capture_default_str()
+        ->check(Within(0, kMaxCount));
     app.add_option("--state-file", options.stateFile,
                    "Keep clips, playlists and angles groups in this file across restarts");
-    app.add_option("--reply-delay-ms", delayMs, "Delay every reply")->check(CLI::NonNegativeNumber);
-    app.add_option("--reply-jitter-ms", jitterMs, "Add a random delay up to this")
-        ->check(CLI::NonNegativeNumber);
+    app.add_option("--state-file-limit-mb", stateFileLimitMb,
+                   "Refuse a longer state file (or one that is not a regular file)")
+        ->capture_default_str()
+        ->check(Within(1, kMaxMebibytes));
+    app.add_option("--peer-queue-mb", peerQueueMb,
+                   "Replies waiting for one peer that does not read; beyond, dropped")
+        ->capture_default_str()
+        ->check(Within(1, kMaxMebibytes));
+    app.add_option("--send-queue-mb", sendQueueMb,
+                   "Replies waiting for all such peers together; beyond, dropped")
+        ->capture_default_str()
+        ->check(Within(1, kMaxMebibytes));
+    app.add_option("--delay-queue-mb", delayedMb,
+                   "Replies held back by --reply-delay-ms; beyond, dropped")
+        ->capture_default_str()
+        ->check(Within(1, kMaxMebibytes));
+    app.add_option("--subscriptions-mb", subscriptionsMb,
+                   "Subscription topics kept (for waiting on subscribers); beyond, not kept")
+        ->capture_default_str()
+        ->check(Within(1, kMaxMebibytes));
+    app.add_option("--reply-delay-ms", delayMs, "Delay every reply (at most an hour)")
+        ->check(Within(0, kMaxDelayMs));
+    app.add_option("--reply-jitter-ms", jitterMs, "Add a random delay up to this (at most an hour)")
+        ->check(Within(0, kMaxDelayMs));
     app.add_option("--drop-fraction", options.faults.dropFraction, "Never answer this fraction")
-        ->check(CLI::Range(0.0, 1.0));
+        ->check(Within(0, 1));
     app.add_option("--malformed-fraction", options.faults.malformedFraction,
                    "Answer this fraction with undecodable bytes")
-        ->check(CLI::Range(0.0, 1.0));
+        ->check(Within(0, 1));
     app.add_option("--duplicate-fraction", options.faults.duplicateFraction,
                    "Send this fraction's final reply twice")
-        ->check(CLI::Range(0.0, 1.0));
+        ->check(Within(0, 1));
     app.add_flag("--silent", options.faults.silent, "Read commands and never answer");
     app.add_flag("-v,--verbose", verbose, "Log what the simulator does to standard error");
     CLI11_PARSE(app, argc, argv);
 
+    options.stateFileLimitBytes = stateFileLimitMb << 20;
+    options.peerQueueBytes = peerQueueMb << 20;
+    options.sendQueueBytes = sendQueueMb << 20;
+    options.delayedReplyBytes = delayedMb << 20;
+    options.subscriptionBytes = subscriptionsMb << 20;
     options.faults.replyDelay = std::chrono::milliseconds(delayMs);
     options.faults.replyJitter = std::chrono::milliseconds(jitterMs);
     if (ephemeral) {
@@ -107,7 +179,12 @@ int main(int argc, char** argv) {
     try {
         simulator = std::make_unique<Simulator::Simulator>(options);
     } catch (const std::exception& failure) {
-        std::cerr << "tessel-sim: " << failure.what() << '\n';
+        const std::string text = failure.what();
+        std::cerr << "tessel-sim: " << text << '\n';
+        if (text.rfind("cannot bind", 0) == 0) {
+            std::cerr << "tessel-sim: use --commands and --notifications for other addresses, "
+                         "or --ephemeral for free ports\n";
+        }
         return EXIT_FAILURE;
     }
     std::cout << "commands: " << simulator->CommandEndpoint() << '\n'
@@ -123,8 +200,12 @@ int main(int argc, char** argv) {
             continue;
         }
         if (signal == SIGHUP) {
-            simulator->Restart();
-            std::cerr << "tessel-sim: restarted\n";
+            try {
+                simulator->Restart();
+                std::cerr << "tessel-sim: restarted\n";
+            } catch (const std::exception& failure) {
+                std::cerr << "tessel-sim: restart: " << failure.what() << '\n';
+            }
         } else if (signal == SIGUSR1) {
             simulator->DropOffNetwork(1);
         } else if (signal == SIGUSR2) {

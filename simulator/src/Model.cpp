@@ -85,12 +85,24 @@ Model::Model(const SimulatorOptions& options, std::function<std::int64_t()> nowM
 // Seeding
 
 std::string Model::NewId(std::size_t width) {
+    // Never one in use: clips read from a state file came from this same generator in an
+    // earlier run, and a clip made now must not take the identifier of one of them.
     static constexpr char kHex[] = "0123456789abcdef";
     std::string id(width, '0');
-    for (auto& digit : id) {
-        digit = kHex[random() % 16];
-    }
+    do {
+        for (auto& digit : id) {
+            digit = kHex[random() % 16];
+        }
+    } while (IdInUse(id));
     return id;
+}
+
+bool Model::IdInUse(const std::string& id) const {
+    if (clips.count(id) != 0 || playlists.count(id) != 0 || anglesGroups.count(id) != 0) {
+        return true;
+    }
+    return std::any_of(recorders.begin(), recorders.end(),
+                       [&](const auto& entry) { return entry.second.train.clip.umId == id; });
 }
 
 void Model::AddServerWithChannels(int serverId) {
@@ -354,15 +366,18 @@ OperationStatus Model::ApplyBoundaries(PlayerEntry& player, const LoadBoundary& 
     }
     std::int64_t first = player.materialIn;
     std::int64_t last = player.materialOut;
+    // Relative counts come from the network: a sum that does not fit is an invalid value.
     if (in.absoluteTimepoint) {
         first = *in.absoluteTimepoint;
-    } else if (in.relativeFieldCount) {
-        first = player.materialIn + *in.relativeFieldCount;
+    } else if (in.relativeFieldCount &&
+               __builtin_add_overflow(player.materialIn, *in.relativeFieldCount, &first)) {
+        return Outcome::kInvalidArgument;
     }
     if (out.absoluteTimepoint) {
         last = *out.absoluteTimepoint;
-    } else if (out.relativeFieldCount) {
-        last = first + *out.relativeFieldCount;
+    } else if (out.relativeFieldCount &&
+               __builtin_add_overflow(first, *out.relativeFieldCount, &last)) {
+        return Outcome::kInvalidArgument;
     }
     if (first < player.materialIn || last > player.materialOut || first > last) {
         return Outcome::kInvalidArgument;
@@ -633,10 +648,43 @@ void Model::Handle(const Commands::ChainCommandParams& params) {
                       if (clips.count(material.GetValue()) == 0) {
                           return Outcome::kUnknownMaterial;
                       }
+                      // The chained clip as it will be loaded: the time point resolved as a
+                      // load's cue (0: its in point) and the boundaries checked now.
+                      PlayerEntry next = player;
+                      if (const auto status =
+                              LoadMaterial(next, material.GetValue(), params.timepoint,
+                                           params.inBoundary, params.outBoundary);
+                          status != Outcome::kOk) {
+                          return status;
+                      }
                       player.chainedClipId = material.GetValue();
-                      player.chainTimepoint = params.timepoint;
+                      player.chainTimepoint = next.cueTimepoint;
+                      player.chainIn = params.inBoundary;
+                      player.chainOut = params.outBoundary;
                       return Outcome::kOk;
                   });
+}
+
+bool Model::ContinueIntoChain(PlayerEntry& player, std::int64_t now) {
+    // The fields played beyond the out point since it was reached carry into the next clip.
+    if (player.speedDen == 0) {
+        return false;
+    }
+    const std::int64_t travelled =
+        player.anchorPosition + (now - player.anchorTime) * player.speedNum / player.speedDen;
+    const std::int64_t beyond = std::max<std::int64_t>(0, travelled - player.outPoint);
+    PlayerEntry next = player;
+    if (LoadMaterial(next, player.chainedClipId, player.chainTimepoint, player.chainIn,
+                     player.chainOut) != Outcome::kOk) {
+        return false;  // the chained clip was deleted or changed meanwhile
+    }
+    next.mode = player.mode;
+    next.speedNum = player.speedNum;
+    next.speedDen = player.speedDen;
+    next.anchorPosition = std::min(next.cueTimepoint + beyond, next.outPoint);
+    next.anchorTime = now;
+    player = next;
+    return true;
 }
 
 void Model::Handle(const Commands::DialCommandParams& params) {
@@ -663,7 +711,8 @@ void Model::Handle(const Commands::StepCommandParams& params) {
 void Model::Handle(const Commands::SyncCommandParams& params) {
     OperationStatus sourceStatus = Outcome::kOk;
     const PlayerEntry* source = FindPlayer(params.sourcePlayer, sourceStatus);
-    if (source != nullptr && !Loaded(*source)) {
+    // A live source's players follow its feed; an idle one has nothing to give.
+    if (source != nullptr && !Loaded(*source) && source->material != LiveFeed) {
         sourceStatus = Outcome::kNotLoaded;
     }
     const PlayerEntry sourceCopy = source != nullptr ? *source : PlayerEntry{};
@@ -1227,7 +1276,12 @@ void Model::Tick() {
             continue;
         }
         const std::int64_t position = Position(player, now);
-        const bool forward = player.speedNum * player.speedDen > 0;
+        const bool forward = (player.speedNum > 0) == (player.speedDen > 0);
+        if (forward && position >= player.outPoint && !player.chainedClipId.empty() &&
+            ContinueIntoChain(player, now)) {
+            PublishPlayer(player);
+            continue;
+        }
         if ((forward && position >= player.outPoint) || (!forward && position <= player.inPoint)) {
             // The player stops at the end of its material, as a deck does.
             Anchor(player, now);

@@ -67,6 +67,7 @@ struct PlayerEntry {
     std::int32_t speedNum = 0, speedDen = 1;
     std::int64_t cueTimepoint = 0, liveTimepoint = 0, chainTimepoint = 0;
     std::string chainedClipId;
+    Data::Channels::LoadBoundary chainIn, chainOut;  // the chained clip's load boundaries
     Data::Channels::LoadBoundary inBoundary, outBoundary;
     bool blackScreen = false;
     Multiviewer::PlayerDataOverrides overrides;
@@ -123,7 +124,9 @@ private:
     using Results = std::vector<Commands::ChannelResult>;
 
     std::int64_t Now() const { return nowMs() / (1000 / kFieldsPerSecond); }
+    // A random identifier of `width` hex digits that no clip, playlist, group or train has.
     std::string NewId(std::size_t width);
+    bool IdInUse(const std::string& id) const;
     std::string ServerName(int serverId) const { return "replay-" + std::to_string(serverId); }
 
     void Seed();
@@ -154,6 +157,9 @@ private:
     // Sets a loaded player moving at speedNum/speedDen in mode `moving` (cued at speed 0).
     Data::OperationStatus Move(PlayerEntry& player, std::int32_t speedNum, std::int32_t speedDen,
                                PlayMode moving);
+    // Loads the chained clip on a player that has played to its out point, carrying on at the
+    // same speed; false (nothing changed) when the clip can no longer be loaded.
+    bool ContinueIntoChain(PlayerEntry& player, std::int64_t now);
     // New boundaries for what is loaded, keeping the position inside them; unchanged on failure.
     Data::OperationStatus Rebound(PlayerEntry& player, const Data::Channels::LoadBoundary& in,
                                   const Data::Channels::LoadBoundary& out);

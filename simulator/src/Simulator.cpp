@@ -1,6 +1,8 @@
 #include <Korvo/Plexis/Tessel/Simulator/Simulator.h>
 
+#include <fcntl.h>
 #include <sys/eventfd.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <zmq.h>
@@ -11,11 +13,10 @@
 #include <cstdio>
 #include <cstring>
 #include <deque>
-#include <fstream>
 #include <future>
+#include <map>
 #include <mutex>
 #include <set>
-#include <sstream>
 #include <stdexcept>
 #include <thread>
 
@@ -26,6 +27,7 @@
 
 #include "Model.h"
 #include "logging/LogSupport.h"
+#include "logging/RateLimit.h"
 
 namespace Korvo::Plexis::Tessel::Simulator {
 
@@ -37,8 +39,25 @@ using Clock = std::chrono::steady_clock;
 
 constexpr auto kTickInterval = std::chrono::milliseconds(100);
 constexpr auto kSaveInterval = std::chrono::seconds(1);
-constexpr int kSendHighWaterMark = 100000;
+constexpr auto kRebindInterval = std::chrono::seconds(1);
+// How long a restart waits for its own ports, which ZeroMQ releases asynchronously.
+constexpr auto kRestartPatience = std::chrono::seconds(2);
+// While replies wait in the simulator's own queues and ZeroMQ took none at the last offer, they
+// are offered again this often; while it takes them, as soon as the socket has room.
+constexpr auto kRetryInterval = std::chrono::milliseconds(2);
+// ZeroMQ's own queues hold few messages per peer: replies wait in the simulator's queues,
+// which are bounded in bytes, and notifications for a subscriber that does not read are dropped.
+constexpr int kCommandHighWaterMark = 8;
+constexpr int kNotificationHighWaterMark = 10000;
 constexpr std::int64_t kMaxMessageSize = 16 * 1024 * 1024;
+// A subscription is a topic, tens of bytes; ZeroMQ keeps each one in a trie of one node per
+// byte, so a subscriber sending a longer one is disconnected.
+constexpr std::int64_t kMaxSubscriptionSize = 1024;
+// Messages read in one turn of the loop from either socket, so that a flood on one never starves
+// the other, the ticks or the calls of the API.
+constexpr int kReadBatch = 256;
+// What an entry of a queue costs beyond its bytes, for the accounting of the bounds.
+constexpr std::size_t kEntryOverhead = 128;
 
 // Bytes no compact-protocol reader accepts: the first field claims type 15, which does not exist.
 const std::string kMalformedPayload("\x1f\xff\xff\xff\xff", 5);
@@ -50,6 +69,98 @@ std::int64_t WallClockMs() {
 }
 
 using SocketPointer = std::unique_ptr<void, int (*)(void*)>;
+
+// Reads the state file, refusing before reading anything one that is not a regular file or is
+// longer than `limit`. Empty when there is no file.
+std::string ReadStateFile(const std::string& path, std::size_t limit) {
+    const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (fd < 0) {
+        if (errno == ENOENT) {
+            return {};
+        }
+        throw std::runtime_error("cannot read the state file " + path + ": " +
+                                 std::strerror(errno));
+    }
+    std::unique_ptr<int, void (*)(int*)> closer(new int(fd), [](int* owned) {
+        ::close(*owned);
+        delete owned;
+    });
+    struct stat status {};
+    if (::fstat(fd, &status) != 0) {
+        throw std::runtime_error("cannot read the state file " + path + ": " +
+                                 std::strerror(errno));
+    }
+    if (!S_ISREG(status.st_mode)) {
+        throw std::runtime_error("the state file " + path + " is not a regular file");
+    }
+    if (static_cast<std::uint64_t>(status.st_size) > limit) {
+        throw std::runtime_error("the state file " + path + " is " +
+                                 std::to_string(status.st_size) + " bytes, more than the " +
+                                 std::to_string(limit) + " allowed");
+    }
+    std::string bytes;
+    char buffer[65536];
+    for (;;) {
+        const ssize_t count = ::read(fd, buffer, sizeof buffer);
+        if (count < 0 && errno == EINTR) {
+            continue;
+        }
+        if (count < 0) {
+            throw std::runtime_error("cannot read the state file " + path + ": " +
+                                     std::strerror(errno));
+        }
+        if (count == 0) {
+            return bytes;
+        }
+        if (bytes.size() + static_cast<std::size_t>(count) > limit) {  // it grew meanwhile
+            throw std::runtime_error("the state file " + path + " is more than the " +
+                                     std::to_string(limit) + " bytes allowed");
+        }
+        bytes.append(buffer, static_cast<std::size_t>(count));
+    }
+}
+
+constexpr auto kMaxDelay = std::chrono::hours(1);
+
+void CheckFaults(const Faults& faults) {
+    for (const double fraction :
+         {faults.dropFraction, faults.malformedFraction, faults.duplicateFraction}) {
+        if (!(fraction >= 0 && fraction <= 1)) {  // NaN fails both
+            throw std::invalid_argument("fault fractions must be between 0 and 1");
+        }
+    }
+    for (const auto delay : {faults.replyDelay, faults.replyJitter}) {
+        if (delay.count() < 0 || delay > kMaxDelay) {
+            throw std::invalid_argument("reply delays must be between 0 and one hour");
+        }
+    }
+}
+
+// The options, once checked: counts within their range, so that seeding cannot exhaust memory.
+const SimulatorOptions& Checked(const SimulatorOptions& options) {
+    for (const int count : {options.servers, options.playersPerServer, options.recordersPerServer,
+                            options.clips, options.playlists, options.anglesGroups}) {
+        if (count < 0 || count > kMaxCount) {
+            throw std::invalid_argument("simulator counts must be between 0 and " +
+                                        std::to_string(kMaxCount));
+        }
+    }
+    const long long channels = static_cast<long long>(options.servers) *
+                               (options.playersPerServer + options.recordersPerServer);
+    if (channels > kMaxCount) {
+        throw std::invalid_argument("at most " + std::to_string(kMaxCount) +
+                                    " channels in all (servers times channels per server)");
+    }
+    if (options.partSize == 0) {
+        throw std::invalid_argument("the part size must be at least 1");
+    }
+    CheckFaults(options.faults);
+    return options;
+}
+
+std::size_t CostOf(const OutgoingMessage& message) {
+    return message.header.size() + message.payload.size() + kEntryOverhead;
+}
 
 void WriteFileAtomically(const std::string& path, const std::string& bytes) {
     const std::string temporary = path + ".tmp";
@@ -108,18 +219,26 @@ public:
     }
 
     // On the simulator's thread: closes both sockets, losing what was not sent, and binds again.
+    // On failure the simulator stays unbound and `Run` tries again every second.
     void Restart() {
         if (stopping) {
             return;
         }
         delayed.clear();
+        delayedBytes = 0;
+        outbox.clear();
+        outboxBytes = 0;
+        outboxMoving = false;
         CloseSockets();
-        Bind();
         Count([](Statistics& s) { ++s.restarts; });
-        Emitter emitter(options.partSize);
-        model.Use(emitter);
-        model.AnnounceServers();
-        Publish(emitter.notices);
+        try {
+            Bind(kRestartPatience);
+        } catch (const std::exception& failure) {
+            nextRebind = Clock::now() + kRebindInterval;
+            throw std::runtime_error(std::string(failure.what()) +
+                                     "; trying again every second");
+        }
+        Announce();
     }
 
     std::size_t ClipCount() const { return model.ClipCount(); }
@@ -145,8 +264,16 @@ private:
         std::string ticket;
         OutgoingMessage message;
     };
+    // Replies ZeroMQ would not take yet for one peer, oldest first.
+    struct PeerQueue {
+        std::deque<std::pair<std::string, OutgoingMessage>> messages;  // ticket, message
+        std::size_t bytes = 0;
+    };
+    enum class Offer { Taken, Full, Gone };
 
-    void Bind();
+    // Binds both sockets or neither; an address in use is tried again for up to `patience`.
+    void Bind(Clock::duration patience);
+    void Announce();
     void CloseSockets();
     void Run();
     void Wake();
@@ -154,8 +281,12 @@ private:
     void ReadCommands();
     void ReadSubscriptions();
     void HandleCommand(std::vector<zmq::message_t>& frames);
-    void Send(const std::string& identity, const std::string& ticket,
-              const OutgoingMessage& message);
+    void Send(const std::string& identity, const std::string& ticket, OutgoingMessage message);
+    Offer OfferToSocket(const std::string& identity, const std::string& ticket,
+                        const OutgoingMessage& message);
+    // Offers what waits to ZeroMQ; whether it took any.
+    bool FlushOutbox();
+    void Shed(const char* where, std::size_t held, std::size_t limit);
     void Publish(const std::vector<Notice>& notices);
     void SendDue(Clock::time_point now);
     void SaveState();
@@ -176,6 +307,13 @@ private:
     Model model;
     std::mt19937_64 random;
     std::deque<Delayed> delayed;  // in the order of their due times
+    std::size_t delayedBytes = 0;
+    std::map<std::string, PeerQueue> outbox;  // by peer identity; no empty queue is kept
+    std::size_t outboxBytes = 0;
+    bool outboxMoving = false;
+    std::size_t subscriptionBytes = 0;  // of the topics in `subscriptions`
+    Clock::time_point nextRebind{};
+    Logging::RateLimit shedLog, envelopeLog, sendLog, subscriptionLog;
 
     std::mutex tasksMutex;
     std::deque<std::function<void()>> tasks;
@@ -188,18 +326,17 @@ Simulator::Impl::Impl(SimulatorOptions givenOptions)
     : options(std::move(givenOptions)),
       faults(options.faults),
       logger(Logging::Loggers::GetInstance().GetLogger("Simulator")),
-      model(options, WallClockMs),
+      model(Checked(options), WallClockMs),
       random(options.seed ^ 0x5eedfa17ULL) {
-    if (options.servers < 0 || options.playersPerServer < 0 || options.recordersPerServer < 0 ||
-        options.clips < 0 || options.playlists < 0 || options.anglesGroups < 0) {
-        throw std::invalid_argument("simulator counts must not be negative");
-    }
     if (!options.stateFile.empty()) {
-        std::ifstream file(options.stateFile, std::ios::binary);
-        if (file) {
-            std::ostringstream bytes;
-            bytes << file.rdbuf();
-            model.LoadState(bytes.str());
+        const std::string bytes = ReadStateFile(options.stateFile, options.stateFileLimitBytes);
+        if (!bytes.empty()) {
+            try {
+                model.LoadState(bytes);
+            } catch (const std::exception& failure) {
+                throw std::runtime_error("the state file " + options.stateFile +
+                                         " cannot be used: " + failure.what());
+            }
         }
     }
     const bool inproc = options.commandAddress.rfind("inproc://", 0) == 0 ||
@@ -221,7 +358,7 @@ Simulator::Impl::Impl(SimulatorOptions givenOptions)
     boundCommandAddress = options.commandAddress;
     boundNotificationAddress = options.notificationAddress;
     try {
-        Bind();
+        Bind(Clock::duration::zero());
     } catch (...) {
         CloseSockets();
         ::close(wakeFd);
@@ -244,7 +381,8 @@ Simulator::Impl::Impl(SimulatorOptions givenOptions)
         kSource, __LINE__);
 }
 
-void Simulator::Impl::Bind() {
+void Simulator::Impl::Bind(Clock::duration patience) {
+    const auto deadline = Clock::now() + patience;
     auto open = [&](int type, const std::string& address) {
         SocketPointer socket(zmq_socket(context.get(), type), zmq_close);
         if (!socket) {
@@ -252,27 +390,47 @@ void Simulator::Impl::Bind() {
         }
         zmq::socket_ref ref(zmq::from_handle, socket.get());
         ref.set(zmq::sockopt::linger, 0);
-        ref.set(zmq::sockopt::sndhwm, kSendHighWaterMark);
-        ref.set(zmq::sockopt::maxmsgsize, kMaxMessageSize);
+        ref.set(zmq::sockopt::sndhwm,
+                type == ZMQ_ROUTER ? kCommandHighWaterMark : kNotificationHighWaterMark);
+        ref.set(zmq::sockopt::maxmsgsize,
+                type == ZMQ_ROUTER ? kMaxMessageSize : kMaxSubscriptionSize);
         if (!options.curveSecretKey.empty()) {
             ref.set(zmq::sockopt::curve_server, true);
             ref.set(zmq::sockopt::curve_secretkey, options.curveSecretKey);
         }
-        if (type == ZMQ_XPUB) {
-            ref.set(zmq::sockopt::xpub_verbose, true);
+        if (type == ZMQ_ROUTER) {
+            // A reply ZeroMQ cannot queue is refused at once instead of silently dropped, so
+            // that it can wait in a bounded queue of ours, and one for a departed peer is known.
+            ref.set(zmq::sockopt::router_mandatory, true);
+        } else {
+            // Every subscription and every unsubscription, those of a departing subscriber
+            // included, so that the topics kept here are those of the peers still connected.
+            ref.set(zmq::sockopt::xpub_verboser, true);
         }
-        // A port just released by a restart may take a moment to be free again.
-        const auto deadline = Clock::now() + std::chrono::seconds(5);
         while (zmq_bind(socket.get(), address.c_str()) != 0) {
-            if (errno != EADDRINUSE || Clock::now() > deadline) {
-                throw std::runtime_error("cannot bind " + address + ": " + zmq_strerror(errno));
+            const int error = zmq_errno();
+            if (error != EADDRINUSE || Clock::now() >= deadline) {
+                std::string text = "cannot bind " + address + ": " + zmq_strerror(error);
+                if (error == EADDRINUSE) {
+                    text += " (another program holds the port: stop it, or choose other addresses)";
+                }
+                throw std::runtime_error(text);
             }
             std::this_thread::sleep_for(std::chrono::milliseconds(20));
         }
         return socket;
     };
-    router = open(ZMQ_ROUTER, boundCommandAddress);
-    publisher = open(ZMQ_XPUB, boundNotificationAddress);
+    SocketPointer commands = open(ZMQ_ROUTER, boundCommandAddress);
+    SocketPointer notifications = open(ZMQ_XPUB, boundNotificationAddress);
+    router = std::move(commands);
+    publisher = std::move(notifications);
+}
+
+void Simulator::Impl::Announce() {
+    Emitter emitter(options.partSize);
+    model.Use(emitter);
+    model.AnnounceServers();
+    Publish(emitter.notices);
 }
 
 void Simulator::Impl::CloseSockets() {
@@ -280,6 +438,7 @@ void Simulator::Impl::CloseSockets() {
     publisher.reset();
     std::lock_guard<std::mutex> lock(subscriptionsMutex);
     subscriptions.clear();
+    subscriptionBytes = 0;
 }
 
 void Simulator::Impl::Wake() {
@@ -316,12 +475,22 @@ void Simulator::Impl::Run() {
         if (!delayed.empty()) {
             wakeAt = std::min(wakeAt, delayed.front().due);
         }
+        if (!outbox.empty()) {
+            wakeAt = std::min(wakeAt, Clock::now() + kRetryInterval);
+        }
         const auto wait = std::chrono::duration_cast<std::chrono::milliseconds>(wakeAt -
                                                                                 Clock::now());
-        zmq_pollitem_t items[] = {{router.get(), 0, ZMQ_POLLIN, 0},
-                                  {publisher.get(), 0, ZMQ_POLLIN, 0},
-                                  {nullptr, wakeFd, ZMQ_POLLIN, 0}};
-        if (zmq_poll(items, 3, std::max<long>(0, static_cast<long>(wait.count()) + 1)) < 0 &&
+        // Unbound after a failed restart: only the wake-up and the clock.
+        // The command socket's room is watched only while replies wait and the last offer moved
+        // some: a peer that reads nothing leaves its queue full while others have room, and
+        // watching for room then would spin.
+        const short commandEvents = ZMQ_POLLIN | (outboxMoving ? ZMQ_POLLOUT : 0);
+        zmq_pollitem_t items[] = {{nullptr, wakeFd, ZMQ_POLLIN, 0},
+                                  {router.get(), 0, commandEvents, 0},
+                                  {publisher.get(), 0, ZMQ_POLLIN, 0}};
+        const int itemCount = router && publisher ? 3 : 1;
+        if (zmq_poll(items, itemCount, std::max<long>(0, static_cast<long>(wait.count()) + 1)) <
+                0 &&
             zmq_errno() != EINTR) {
             Logging::LogComposed(
                 logger, ILogger::Fatal,
@@ -329,19 +498,31 @@ void Simulator::Impl::Run() {
                 kSource, __LINE__);
             break;
         }
-        if (items[2].revents & ZMQ_POLLIN) {
+        if (items[0].revents & ZMQ_POLLIN) {
             std::uint64_t count = 0;
             [[maybe_unused]] const auto read = ::read(wakeFd, &count, sizeof count);
             RunTasks();
         }
-        if (items[0].revents & ZMQ_POLLIN) {
+        if (itemCount == 3 && (items[1].revents & ZMQ_POLLIN) && router) {
             ReadCommands();
         }
-        if (items[1].revents & ZMQ_POLLIN) {
+        if (itemCount == 3 && (items[2].revents & ZMQ_POLLIN) && publisher) {
             ReadSubscriptions();
         }
+        outboxMoving = !outbox.empty() && FlushOutbox();
         const auto now = Clock::now();
         SendDue(now);
+        if (!router && nextRebind != Clock::time_point{} && now >= nextRebind) {
+            try {
+                Bind(Clock::duration::zero());
+                nextRebind = {};
+                Logging::Log(logger, ILogger::Info, "Bound again after a restart.", kSource,
+                             __LINE__);
+                Announce();
+            } catch (const std::exception&) {
+                nextRebind = now + kRebindInterval;
+            }
+        }
         if (now >= nextTick) {
             Emitter emitter(options.partSize);
             model.Use(emitter);
@@ -370,7 +551,7 @@ void Simulator::Impl::RunTasks() {
 void Simulator::Impl::ReadCommands() {
     zmq::socket_ref socket(zmq::from_handle, router.get());
     // A bounded batch, so that ticks and tasks are never starved by a flood.
-    for (int batch = 0; batch < 256 && router; ++batch) {
+    for (int batch = 0; batch < kReadBatch && router; ++batch) {
         std::vector<zmq::message_t> frames;
         zmq::message_t frame;
         if (!socket.recv(frame, zmq::recv_flags::dontwait)) {
@@ -396,8 +577,15 @@ void Simulator::Impl::HandleCommand(std::vector<zmq::message_t>& frames) {
     // [routing id][ticket: 4 bytes][command name][payload]
     if (frames.size() != 4 || frames[1].size() != 4) {
         Count([](Statistics& s) { ++s.malformedReceived; });
-        Logging::Log(logger, ILogger::Warning, "Dropped a command with a malformed envelope.",
-                     kSource, __LINE__);
+        if (const auto admitted = envelopeLog.Admit()) {
+            Logging::LogComposed(
+                logger, ILogger::Warning,
+                [&] {
+                    return "Dropped a command with a malformed envelope." +
+                           Logging::Suppressed(*admitted);
+                },
+                kSource, __LINE__);
+        }
         return;
     }
     Count([](Statistics& s) { ++s.commandsReceived; });
@@ -446,8 +634,8 @@ void Simulator::Impl::HandleCommand(std::vector<zmq::message_t>& frames) {
             0, current.replyJitter.count())(random));
     }
     if (delay.count() == 0 && delayed.empty()) {
-        for (const auto& message : replies) {
-            Send(identity, ticket, message);
+        for (auto& message : replies) {
+            Send(identity, ticket, std::move(message));
         }
     } else {
         // Due times never go backwards, so the queue stays ordered and one ticket's messages
@@ -457,6 +645,12 @@ void Simulator::Impl::HandleCommand(std::vector<zmq::message_t>& frames) {
             due = std::max(due, delayed.back().due);
         }
         for (auto& message : replies) {
+            const std::size_t cost = CostOf(message);
+            if (!delayed.empty() && delayedBytes + cost > options.delayedReplyBytes) {
+                Shed("delayed replies", delayedBytes, options.delayedReplyBytes);
+                continue;
+            }
+            delayedBytes += cost;
             delayed.push_back({due, identity, ticket, std::move(message)});
         }
     }
@@ -464,29 +658,113 @@ void Simulator::Impl::HandleCommand(std::vector<zmq::message_t>& frames) {
 }
 
 void Simulator::Impl::Send(const std::string& identity, const std::string& ticket,
-                           const OutgoingMessage& message) {
+                           OutgoingMessage message) {
     if (!router) {
         return;
     }
-    zmq::socket_ref socket(zmq::from_handle, router.get());
-    try {
-        socket.send(zmq::buffer(identity), zmq::send_flags::sndmore);
-        socket.send(zmq::buffer(ticket), zmq::send_flags::sndmore);
-        socket.send(zmq::buffer(message.header), zmq::send_flags::sndmore);
-        socket.send(zmq::buffer(message.payload), zmq::send_flags::none);
-        Count([](Statistics& s) { ++s.repliesSent; });
-    } catch (const zmq::error_t& failure) {
+    auto queued = outbox.find(identity);
+    if (queued == outbox.end()) {
+        const Offer offer = OfferToSocket(identity, ticket, message);
+        if (offer != Offer::Full) {
+            return;
+        }
+        queued = outbox.emplace(identity, PeerQueue{}).first;
+    }
+    // Behind what already waits for this peer, so that its replies keep their order.
+    auto& queue = queued->second;
+    const std::size_t cost = CostOf(message);
+    if (!queue.messages.empty() && (queue.bytes + cost > options.peerQueueBytes ||
+                                    outboxBytes + cost > options.sendQueueBytes)) {
+        const bool peerFull = queue.bytes + cost > options.peerQueueBytes;
+        Shed(peerFull ? "replies for one peer" : "replies for all peers",
+             peerFull ? queue.bytes : outboxBytes,
+             peerFull ? options.peerQueueBytes : options.sendQueueBytes);
+        return;
+    }
+    queue.bytes += cost;
+    outboxBytes += cost;
+    queue.messages.emplace_back(ticket, std::move(message));
+}
+
+Simulator::Impl::Offer Simulator::Impl::OfferToSocket(const std::string& identity,
+                                                      const std::string& ticket,
+                                                      const OutgoingMessage& message) {
+    // With ROUTER_MANDATORY the identity frame is refused (EAGAIN: the peer's queue is full;
+    // EHOSTUNREACH: no such peer) and nothing is sent; once it is taken, the rest is too.
+    if (zmq_send(router.get(), identity.data(), identity.size(), ZMQ_SNDMORE | ZMQ_DONTWAIT) < 0) {
+        const int error = zmq_errno();
+        if (error == EAGAIN) {
+            return Offer::Full;
+        }
+        if (error != EHOSTUNREACH) {
+            if (const auto admitted = sendLog.Admit()) {
+                Logging::LogComposed(
+                    logger, ILogger::Error,
+                    [&] {
+                        return std::string("Could not send a reply: ") + zmq_strerror(error) +
+                               Logging::Suppressed(*admitted);
+                    },
+                    kSource, __LINE__);
+            }
+        }
+        return Offer::Gone;
+    }
+    zmq_send(router.get(), ticket.data(), ticket.size(), ZMQ_SNDMORE | ZMQ_DONTWAIT);
+    zmq_send(router.get(), message.header.data(), message.header.size(),
+             ZMQ_SNDMORE | ZMQ_DONTWAIT);
+    zmq_send(router.get(), message.payload.data(), message.payload.size(), ZMQ_DONTWAIT);
+    Count([](Statistics& s) { ++s.repliesSent; });
+    return Offer::Taken;
+}
+
+bool Simulator::Impl::FlushOutbox() {
+    bool moved = false;
+    for (auto peer = outbox.begin(); peer != outbox.end() && router;) {
+        auto& queue = peer->second;
+        Offer offer = Offer::Taken;
+        while (!queue.messages.empty()) {
+            const auto& [ticket, message] = queue.messages.front();
+            offer = OfferToSocket(peer->first, ticket, message);
+            if (offer == Offer::Full) {
+                break;
+            }
+            // Taken, or the peer has gone: either way it no longer waits here.
+            moved = true;
+            const std::size_t cost = CostOf(message);
+            queue.bytes -= cost;
+            outboxBytes -= cost;
+            queue.messages.pop_front();
+            if (offer == Offer::Gone) {
+                // A departed peer: everything it left is freed at once.
+                outboxBytes -= queue.bytes;
+                queue.messages.clear();
+                queue.bytes = 0;
+            }
+        }
+        peer = queue.messages.empty() ? outbox.erase(peer) : std::next(peer);
+    }
+    return moved;
+}
+
+void Simulator::Impl::Shed(const char* where, std::size_t held, std::size_t limit) {
+    Count([](Statistics& s) { ++s.repliesShed; });
+    if (const auto admitted = shedLog.Admit()) {
         Logging::LogComposed(
-            logger, ILogger::Error,
-            [&] { return std::string("Could not send a reply: ") + failure.what(); }, kSource,
-            __LINE__);
+            logger, ILogger::Warning,
+            [&] {
+                return std::string("Dropped a reply: the ") + where + " hold " +
+                       std::to_string(held) + " bytes, the limit is " + std::to_string(limit) +
+                       Logging::Suppressed(*admitted);
+            },
+            kSource, __LINE__);
     }
 }
 
 void Simulator::Impl::SendDue(Clock::time_point now) {
     while (!delayed.empty() && delayed.front().due <= now) {
-        const auto& next = delayed.front();
-        Send(next.identity, next.ticket, next.message);
+        auto& next = delayed.front();
+        delayedBytes -= CostOf(next.message);
+        Send(next.identity, next.ticket, std::move(next.message));
         delayed.pop_front();
     }
 }
@@ -507,17 +785,35 @@ void Simulator::Impl::Publish(const std::vector<Notice>& notices) {
 void Simulator::Impl::ReadSubscriptions() {
     zmq::socket_ref socket(zmq::from_handle, publisher.get());
     zmq::message_t message;
-    while (socket.recv(message, zmq::recv_flags::dontwait)) {
+    for (int batch = 0; batch < kReadBatch && socket.recv(message, zmq::recv_flags::dontwait);
+         ++batch) {
         // One frame: 1 (subscribe) or 0 (unsubscribe), then the topic.
         if (message.size() == 0) {
             continue;
         }
         const std::string topic(message.data<char>() + 1, message.size() - 1);
+        const std::size_t cost = topic.size() + kEntryOverhead;
         std::lock_guard<std::mutex> lock(subscriptionsMutex);
         if (message.data<unsigned char>()[0] == 1) {
+            if (subscriptionBytes + cost > options.subscriptionBytes) {
+                Count([](Statistics& s) { ++s.subscriptionsIgnored; });
+                if (const auto admitted = subscriptionLog.Admit()) {
+                    Logging::LogComposed(
+                        logger, ILogger::Warning,
+                        [&] {
+                            return "Not keeping a subscription: the topics kept reach the limit "
+                                   "of " + std::to_string(options.subscriptionBytes) +
+                                   " bytes" + Logging::Suppressed(*admitted);
+                        },
+                        kSource, __LINE__);
+                }
+                continue;
+            }
             subscriptions.insert(topic);
+            subscriptionBytes += cost;
         } else if (const auto found = subscriptions.find(topic); found != subscriptions.end()) {
             subscriptions.erase(found);
+            subscriptionBytes -= cost;
         }
         subscriptionsChanged.notify_all();
     }
@@ -549,6 +845,7 @@ const std::string& Simulator::NotificationEndpoint() const noexcept {
 const std::string& Simulator::PublicKey() const noexcept { return impl->publicKey; }
 
 void Simulator::SetFaults(const Faults& faults) {
+    CheckFaults(faults);
     std::lock_guard<std::mutex> lock(impl->faultsMutex);
     impl->faults = faults;
 }

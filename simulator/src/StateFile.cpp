@@ -77,6 +77,14 @@ public:
         return reply;
     }
 
+    // Nothing may follow the last record: extra bytes mean a file written by something else.
+    void Finish() const {
+        if (offset != text.size()) {
+            throw std::runtime_error("the state file has " + std::to_string(text.size() - offset) +
+                                     " unexpected bytes after its last record");
+        }
+    }
+
 private:
     template <class Wire, class Domain>
     using FromThriftConverter = Serialization::Thrift::FromThriftConverter<Wire, Domain>;
@@ -112,26 +120,46 @@ std::string Model::SaveState() const {
     return out;
 }
 
+namespace {
+
+// Adds `value` under `id`, refusing an identifier seen before: two items cannot share one.
+template <class Map, class Value>
+void AddUnique(Map& map, const std::string& id, Value value, const char* what) {
+    if (!map.emplace(id, std::move(value)).second) {
+        throw std::runtime_error(std::string("the state file holds two ") + what +
+                                 " with the identifier \"" + id + "\"");
+    }
+}
+
+}  // namespace
+
 void Model::LoadState(const std::string& state) {
     Reader reader(state);
     std::map<std::string, ClipEntry> loadedClips;
     for (std::uint32_t count = reader.Length(); count > 0; --count) {
         auto listing = reader.Next<Commands::GetClipsCommandReply>();
+        if (listing.marker < 1 || listing.marker > kMaxCount) {
+            throw std::runtime_error("the state file names server " +
+                                     std::to_string(listing.marker) + ", outside 1 .. " +
+                                     std::to_string(kMaxCount));
+        }
         for (auto& clip : listing.clips) {
-            std::string id = clip.umId;
-            loadedClips[id] = {std::move(clip), static_cast<int>(listing.marker)};
+            const std::string id = clip.umId;
+            AddUnique(loadedClips, id, ClipEntry{std::move(clip), static_cast<int>(listing.marker)},
+                      "clips");
         }
     }
     std::map<std::string, Data::Sequences::Playlist> loadedPlaylists;
     for (auto& playlist : reader.Next<Commands::GetPlaylistsCommandReply>().playlists) {
-        std::string id = playlist.sequence.umId;
-        loadedPlaylists[id] = std::move(playlist);
+        const std::string id = playlist.sequence.umId;
+        AddUnique(loadedPlaylists, id, std::move(playlist), "playlists");
     }
     std::map<std::string, Data::Clips::Groups::AnglesGroup> loadedGroups;
     for (auto& group : reader.Next<Commands::GetAnglesGroupsCommandReply>().anglesGroups) {
-        std::string id = group.groupGuid.GetValue();
-        loadedGroups[id] = std::move(group);
+        const std::string id = group.groupGuid.GetValue();
+        AddUnique(loadedGroups, id, std::move(group), "angles groups");
     }
+    reader.Finish();
     clips = std::move(loadedClips);
     playlists = std::move(loadedPlaylists);
     anglesGroups = std::move(loadedGroups);

@@ -118,6 +118,21 @@ void SimulatorProcess::Kill() {
     pid = -1;
 }
 
+bool SimulatorProcess::Running() {
+    if (pid <= 0) {
+        return false;
+    }
+    int status = 0;
+    pid_t reaped;
+    while ((reaped = ::waitpid(pid, &status, WNOHANG)) < 0 && errno == EINTR) {
+    }
+    if (reaped == pid) {
+        pid = -1;
+        return false;
+    }
+    return true;
+}
+
 void SimulatorProcess::Freeze() {
     Signal(SIGSTOP);
     AwaitChange(WUNTRACED);  // the signal is delivered asynchronously; return once it is stopped

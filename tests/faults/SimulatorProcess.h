@@ -32,6 +32,10 @@ public:
     /// The endpoints it printed, for example "tcp://127.0.0.1:41234".
     const std::string& CommandEndpoint() const { return commandEndpoint; }
     const std::string& NotificationEndpoint() const { return notificationEndpoint; }
+    /// Its process id; -1 once killed.
+    int Pid() const { return pid; }
+    /// Whether it still runs (has neither exited nor died of a signal).
+    bool Running();
 
     /// Kills it at once (SIGKILL: no socket is closed politely) and reaps it.
     void Kill();
@@ -45,9 +49,6 @@ public:
     /// Sends signal `number` to it (SIGHUP restarts it; SIGUSR1 and SIGUSR2 take server 1 off
     /// the network and back). Any thread.
     void Signal(int number);
-
-    /// Its process identifier, for reading its resources from /proc.
-    pid_t Pid() const { return pid; }
 
 private:
     void AwaitChange(int options);

@@ -168,11 +168,12 @@ TEST_F(SimulatorCommandsTest, PlayerCommandsDriveThePlayerAndPublishItsState) {
 
     auto chain = NewParams<Commands::ChainCommandParams>();
     chain.players[kPlayer] = Guid(clips.at(1).umId);
-    chain.timepoint = 1234;
+    chain.timepoint = 1234;  // before the clip: it starts at its in point, as a load's cue
     ExpectResults("ChainCommand", chain, {{kPlayer, kOk}});
     state = NextPublished(kPlayer, published++);
     EXPECT_EQ(state.nextClip.clip.umId, clips.at(1).umId);
-    EXPECT_EQ(state.chainTimepoint, 1234);
+    EXPECT_EQ(state.chainTimepoint, clips.at(1).inBoundField);
+    EXPECT_EQ(state.nextClip.position, 0);
 
     auto sync = NewParams<Commands::SyncCommandParams>();
     sync.sourcePlayer = kPlayer;
@@ -213,6 +214,48 @@ TEST_F(SimulatorCommandsTest, PlayerCommandsDriveThePlayerAndPublishItsState) {
     auto unknownClip = NewParams<Commands::LoadClipsCommandParams>();
     unknownClip.playersParameters[kPlayer].clip = Guid("no such clip");
     ExpectResults("LoadClipsCommand", unknownClip, {{kPlayer, Status(1, 4)}});
+}
+
+TEST_F(SimulatorCommandsTest, AChainedClipFollowsAtItsOutPointAndSyncFollowsALiveSource) {
+    const auto clips = Clips();
+    const auto& first = clips.at(0);
+    const auto& next = clips.at(1);
+    auto load = NewParams<Commands::LoadClipsCommandParams>();
+    load.playersParameters[kPlayer].clip = Guid(first.umId);
+    load.playersParameters[kPlayer].timepoint = first.outBoundField - 25;  // half a second left
+    ExpectResults("LoadClipsCommand", load, {{kPlayer, kOk}});
+
+    auto chain = NewParams<Commands::ChainCommandParams>();
+    chain.players[kPlayer] = Guid(next.umId);
+    chain.outBoundary = Plexis::Data::Channels::LoadBoundary::Absolute(1, next.inBoundField - 1);
+    ExpectResults("ChainCommand", chain, {{kPlayer, Status(1, 7)}});  // out point before in
+    chain.outBoundary = {};
+    chain.timepoint = next.inBoundField + 50;
+    ExpectResults("ChainCommand", chain, {{kPlayer, kOk}});
+    EXPECT_EQ(StateOf(kPlayer).nextClip.position, 50);
+
+    auto play = NewParams<Commands::PlayCommandParams>();
+    play.players = {kPlayer};
+    ExpectResults("PlayCommand", play, {{kPlayer, kOk}});
+    const auto carriedOn = session.inbox.WaitFor<Events::PlayerStateChangedEventArgs>(
+        [&](const Events::PlayerStateChangedEventArgs& args) {
+            return args.channelGuid == kPlayer && args.state.loadedClipUmId == next.umId;
+        });
+    EXPECT_EQ(carriedOn.state.playMode, 2);
+    EXPECT_GE(carriedOn.state.currentTimepoint, next.inBoundField + 50);
+    EXPECT_NE(carriedOn.state.nextClip.clip.umId, next.umId);  // the chain is used up
+
+    auto live = NewParams<Commands::LiveCommandParams>();
+    live.players[kPlayer] = Guid(kRecorder.ToString());
+    ExpectResults("LiveCommand", live, {{kPlayer, kOk}});
+    auto sync = NewParams<Commands::SyncCommandParams>();
+    sync.sourcePlayer = kPlayer;
+    sync.players = {kOtherPlayer};
+    ExpectResults("SyncCommand", sync, {{kOtherPlayer, kOk}});
+    const auto synced = StateOf(kOtherPlayer);
+    EXPECT_EQ(synced.playMode, 3);
+    EXPECT_EQ(synced.loadedMaterialType, 3);
+    EXPECT_EQ(synced.liveRecorderName, "replay-1/Recorder 1");
 }
 
 TEST_F(SimulatorCommandsTest, RecordingGrowsATrainAndMakesAClipWhenStopped) {

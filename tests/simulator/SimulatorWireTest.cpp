@@ -1,10 +1,18 @@
 // The simulator as a peer on the wire: long answers in parts, bad input, injected faults,
 // restarts, its state file and encryption.
 
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cmath>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <random>
+#include <thread>
 
 #include <zmq.hpp>
 
@@ -18,12 +26,18 @@ using Plexis::Data::Guid;
 using ChannelId = Plexis::Data::Channels::Guid;
 using Kind = Plexis::Tessel::Client::PendingCommandReply::ItemKind;
 
-// A bare DEALER, to send what the library's clients never would.
+// A bare DEALER, to send what the library's clients never would. One made `slow` takes as little
+// as it can until it reads, so that replies pile up on the simulator's side.
 class RawClient {
 public:
-    explicit RawClient(const std::string& endpoint) : socket(context, zmq::socket_type::dealer) {
+    explicit RawClient(const std::string& endpoint, bool slow = false)
+        : socket(context, zmq::socket_type::dealer) {
         socket.set(zmq::sockopt::linger, 0);
         socket.set(zmq::sockopt::rcvtimeo, static_cast<int>(kPatience.count()));
+        if (slow) {
+            socket.set(zmq::sockopt::rcvhwm, 1);
+            socket.set(zmq::sockopt::rcvbuf, 4096);
+        }
         socket.connect(endpoint);
     }
     void Send(const Frames& frames) {
@@ -54,6 +68,23 @@ SimulatorOptions Small() {
     SimulatorOptions options;
     options.clips = 5;
     return options;
+}
+
+template <class Params>
+std::string Encoded(const std::string& name, const Params& params) {
+    const auto payload =
+        Plexis::Tessel::Client::DataCommandParamsPayloadBuilder().BuildPayload(name, params);
+    return std::string(reinterpret_cast<const char*>(payload->Pointer()), payload->Size());
+}
+
+// What constructing a simulator with `options` throws; empty when it starts.
+std::string StartFailure(const SimulatorOptions& options) {
+    try {
+        Simulator simulator(options);
+    } catch (const std::exception& failure) {
+        return failure.what();
+    }
+    return {};
 }
 
 TEST(SimulatorWireTest, LongAnswersArriveInPartsAndReassembleCompletely) {
@@ -193,6 +224,158 @@ TEST(SimulatorWireTest, InjectedFaultsDelayDropCorruptAndDuplicateReplies) {
               std::vector<std::string>{"SuccessReply"});
 }
 
+TEST(SimulatorWireTest, RepliesBeyondTheirMemoryBoundsAreDroppedCountedAndTheRestDelivered) {
+    struct Case {
+        const char* name;
+        std::function<void(SimulatorOptions&)> bound;
+    };
+    const std::vector<Case> cases = {
+        {"one peer's queue", [](SimulatorOptions& o) { o.peerQueueBytes = 2 << 20; }},
+        {"all peers' queues", [](SimulatorOptions& o) { o.sendQueueBytes = 2 << 20; }},
+        {"delayed replies",
+         [](SimulatorOptions& o) {
+             o.delayedReplyBytes = 2 << 20;
+             o.faults.replyDelay = std::chrono::milliseconds(300);
+         }},
+    };
+    constexpr int kListings = 40;
+    for (const auto& test : cases) {
+        SCOPED_TRACE(test.name);
+        SimulatorOptions options = Small();
+        test.bound(options);
+        Simulator simulator(options);
+        RawClient raw(simulator.CommandEndpoint(), /*slow=*/true);
+        // Four clips with long names make every listing about a mebibyte.
+        auto create = NewParams<Commands::CreateClipsCommandParams>();
+        create.clips.resize(4);
+        for (auto& item : create.clips) {
+            item.clip.name = Plexis::Data::Clips::AsciiOrUtf16String::Ascii(std::string(256 << 10, 'n'));
+        }
+        raw.Send({TicketBytes(1), "CreateClipsCommand", Encoded("CreateClipsCommand", create)});
+        const std::string listing =
+            Encoded("GetClipsCommand", NewParams<Commands::GetClipsCommandParams>());
+        for (int i = 0; i < kListings; ++i) {
+            raw.Send({TicketBytes(100 + i), "GetClipsCommand", listing});
+        }
+        EXPECT_TRUE(Eventually([&] {
+            const auto stats = simulator.GetStatistics();
+            return stats.commandsReceived == kListings + 1 && stats.repliesShed > 0;
+        }));
+        // Everything not dropped arrives, in order, then the answer to a ping.
+        raw.Send({TicketBytes(9), "PingCommand",
+                  Encoded("PingCommand", NewParams<Commands::PingCommandParams>())});
+        std::uint64_t received = 0;
+        for (Frames reply = raw.Receive(); reply.size() == 3; reply = raw.Receive()) {
+            if (reply[0] == TicketBytes(9)) {
+                EXPECT_EQ(reply[1], "SuccessReply");
+                break;
+            }
+            ++received;
+        }
+        EXPECT_EQ(received + simulator.GetStatistics().repliesShed, kListings + 1u);
+    }
+}
+
+TEST(SimulatorWireTest, TheTopicsOfDepartedSubscribersAreForgotten) {
+    Simulator simulator(Small());
+    const std::string topic = "PlayerEvents/replay-1";
+    {
+        zmq::context_t context;
+        std::vector<zmq::socket_t> subscribers;
+        for (const std::string marker : {"zz1", "zz2"}) {
+            subscribers.emplace_back(context, zmq::socket_type::sub);
+            subscribers.back().set(zmq::sockopt::linger, 0);
+            subscribers.back().set(zmq::sockopt::subscribe, topic);
+            subscribers.back().set(zmq::sockopt::subscribe, marker);  // sent after the topic
+            subscribers.back().connect(simulator.NotificationEndpoint());
+            ASSERT_TRUE(simulator.WaitForSubscriber(marker, kPatience));
+        }
+    }
+    EXPECT_TRUE(Eventually([&] {
+        return !simulator.WaitForSubscriber(topic, std::chrono::milliseconds(0)) &&
+               !simulator.WaitForSubscriber("zz", std::chrono::milliseconds(0));
+    }));
+}
+
+TEST(SimulatorWireTest, ABusyPortFailsTheStartAtOnceAndARestartKeepsTryingUntilItIsFree) {
+    zmq::context_t context;
+    zmq::socket_t holder(context, zmq::socket_type::router);
+    holder.bind("tcp://127.0.0.1:*");
+    SimulatorOptions options = Small();
+    options.commandAddress = holder.get(zmq::sockopt::last_endpoint);
+    const auto start = std::chrono::steady_clock::now();
+    const std::string failure = StartFailure(options);
+    EXPECT_NE(failure.find("cannot bind " + options.commandAddress), std::string::npos) << failure;
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
+
+    // A restart whose port is taken meanwhile reports it and binds again once it is free.
+    Simulator simulator(Small());
+    const int port = PortOf(simulator.CommandEndpoint());
+    int taker = -1;
+    std::string restartFailure;
+    for (int attempt = 0; attempt < 5 && restartFailure.empty(); ++attempt) {
+        std::atomic<bool> stop{false};
+        std::thread grab([&] {  // takes the port the moment the simulator lets it go
+            sockaddr_in address{};
+            address.sin_family = AF_INET;
+            address.sin_port = htons(static_cast<std::uint16_t>(port));
+            address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+            while (!stop && taker < 0) {
+                const int candidate = ::socket(AF_INET, SOCK_STREAM, 0);
+                if (::bind(candidate, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0 &&
+                    ::listen(candidate, 1) == 0) {
+                    taker = candidate;
+                } else {
+                    ::close(candidate);
+                }
+            }
+        });
+        try {
+            simulator.Restart();
+        } catch (const std::runtime_error& error) {
+            restartFailure = error.what();
+        }
+        stop = true;
+        grab.join();
+    }
+    ASSERT_GE(taker, 0);
+    EXPECT_NE(restartFailure.find(":" + std::to_string(port)), std::string::npos) << restartFailure;
+    ::close(taker);
+    RawClient raw(simulator.CommandEndpoint());
+    raw.Send({TicketBytes(3), "PingCommand",
+              Encoded("PingCommand", NewParams<Commands::PingCommandParams>())});
+    const auto reply = raw.Receive();
+    ASSERT_EQ(reply.size(), 3u);
+    EXPECT_EQ(reply[1], "SuccessReply");
+}
+
+TEST(SimulatorWireTest, OptionsOutOfRangeAreRefusedBeforeAnythingStarts) {
+    const std::vector<std::pair<const char*, std::function<void(SimulatorOptions&)>>> cases = {
+        {"negative servers", [](SimulatorOptions& o) { o.servers = -1; }},
+        {"too many clips", [](SimulatorOptions& o) { o.clips = Plexis::Tessel::Simulator::kMaxCount + 1; }},
+        {"too many channels",
+         [](SimulatorOptions& o) {
+             o.servers = 1000;
+             o.playersPerServer = 1000;
+         }},
+        {"no part size", [](SimulatorOptions& o) { o.partSize = 0; }},
+        {"NaN fraction", [](SimulatorOptions& o) { o.faults.dropFraction = std::nan(""); }},
+        {"fraction above 1", [](SimulatorOptions& o) { o.faults.duplicateFraction = 1.5; }},
+        {"negative delay", [](SimulatorOptions& o) { o.faults.replyDelay = std::chrono::milliseconds(-1); }},
+        {"huge jitter",
+         [](SimulatorOptions& o) { o.faults.replyJitter = std::chrono::milliseconds(9'300'000'000'000'000); }},
+    };
+    for (const auto& [name, change] : cases) {
+        SimulatorOptions options = Small();
+        change(options);
+        EXPECT_THROW(Simulator{options}, std::invalid_argument) << name;
+    }
+    Simulator simulator(Small());
+    Plexis::Tessel::Simulator::Faults faults;
+    faults.malformedFraction = std::nan("");
+    EXPECT_THROW(simulator.SetFaults(faults), std::invalid_argument);
+}
+
 TEST(SimulatorWireTest, ARestartedServerIsReachedAgainOnTheSamePort) {
     SimulatorSession session(Small());
     const std::string endpoint = session.simulator->CommandEndpoint();
@@ -229,6 +412,7 @@ TEST(SimulatorWireTest, TheStateFileKeepsClipsPlaylistsAndGroupsAcrossRuns) {
                      .results.at(0)
                      .clip.umId;
     }
+    const std::uint64_t firstSeed = options.seed;
     options.seed = 99;  // a different seed: what is read must come from the file
     {
         SimulatorSession session(options);
@@ -244,9 +428,51 @@ TEST(SimulatorWireTest, TheStateFileKeepsClipsPlaylistsAndGroupsAcrossRuns) {
         EXPECT_EQ(groups.Final<Commands::GetAnglesGroupsCommandReply>().anglesGroups.size(), 3u);
     }
     EXPECT_FALSE(std::filesystem::exists(file + ".tmp"));
+    options.seed = firstSeed;  // the generator that made the saved clip's identifier
+    {
+        SimulatorSession session(options);
+        auto create = NewParams<Commands::CreateClipsCommandParams>();
+        create.clips.resize(1);
+        const auto made = session.AskData("CreateClipsCommand", create)
+                              .Final<Commands::ClipCommandReply>()
+                              .results.at(0);
+        EXPECT_EQ(made.status.code, 0);
+        EXPECT_NE(made.clip.umId, madeId);
+        EXPECT_EQ(session.simulator->ClipCount(), 7u);
+    }
 
-    std::ofstream(file, std::ios::binary | std::ios::trunc) << "tessel-sim state 1\n\x05";
-    EXPECT_THROW(Simulator{options}, std::runtime_error);
+    // Damaged, foreign or oversized files stop the start with a message saying why.
+    std::string saved;
+    {
+        std::ifstream in(file, std::ios::binary);
+        saved.assign(std::istreambuf_iterator<char>(in), {});
+    }
+    const std::size_t header = std::string("tessel-sim state 1\n").size();
+    auto length = [&](std::size_t at) {
+        return static_cast<std::size_t>(static_cast<unsigned char>(saved[at])) |
+               static_cast<std::size_t>(static_cast<unsigned char>(saved[at + 1])) << 8 |
+               static_cast<std::size_t>(static_cast<unsigned char>(saved[at + 2])) << 16;
+    };
+    // The first clip listing twice, its count raised by one: every clip of it appears twice.
+    std::string twice = saved;
+    const std::string firstListing = saved.substr(header + 4, 4 + length(header + 4));
+    twice[header] = static_cast<char>(twice[header] + 1);
+    twice.insert(header + 4, firstListing);
+    const std::vector<std::pair<std::string, std::string>> cases = {
+        {"tessel-sim state 1\n\x05", "truncated"},
+        {"something else entirely", "not a tessel-sim state file"},
+        {saved + "x", "unexpected bytes"},
+        {twice, "two clips"},
+        {saved + std::string(saved.size() + 2048, 'x'), "allowed"},
+    };
+    options.stateFileLimitBytes = 2 * saved.size() + 1024;
+    for (const auto& [content, expected] : cases) {
+        std::ofstream(file, std::ios::binary | std::ios::trunc) << content;
+        const std::string failure = StartFailure(options);
+        EXPECT_NE(failure.find(expected), std::string::npos) << failure;
+    }
+    options.stateFile = folder.string();
+    EXPECT_NE(StartFailure(options).find("not a regular file"), std::string::npos);
     std::filesystem::remove_all(folder);
 }
 

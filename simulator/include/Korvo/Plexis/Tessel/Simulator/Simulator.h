@@ -1,15 +1,17 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
 
 namespace Korvo::Plexis::Tessel::Simulator {
 
 /// Faults the simulator injects into its replies, to test how a client copes. All off by default.
 /// Fractions are probabilities between 0 and 1, drawn per command from the simulator's seeded
-/// random generator.
+/// random generator; delays are at most one hour.
 struct Faults {
     std::chrono::milliseconds replyDelay{0};   ///< every reply waits this long before it is sent
     std::chrono::milliseconds replyJitter{0};  ///< plus a random extra delay up to this much
@@ -18,6 +20,9 @@ struct Faults {
     double duplicateFraction = 0;  ///< commands whose final reply is sent twice
     bool silent = false;           ///< commands are read and ignored: the server stops answering
 };
+
+/// The largest count of servers, of channels in all, or of seeded items the options accept.
+inline constexpr int kMaxCount = 100000;
 
 /// How a simulator starts: where it listens, what it holds, and which faults it injects.
 struct SimulatorOptions {
@@ -48,6 +53,22 @@ struct SimulatorOptions {
     /// exists) instead of being seeded, and written back after each change and at the end; the
     /// file is replaced atomically.
     std::string stateFile;
+    /// The largest state file read: a longer one, or one that is not a regular file, stops the
+    /// start with `std::runtime_error` before anything of it is read.
+    std::size_t stateFileLimitBytes = std::size_t{256} << 20;
+
+    /// Memory bounds, in bytes of reply payload. Replies waiting for a peer that does not read
+    /// them: at most `peerQueueBytes` for one peer and `sendQueueBytes` for all together (plus
+    /// up to 8 messages per peer in ZeroMQ's own queue); replies held back by `replyDelay`: at
+    /// most `delayedReplyBytes`. A reply beyond a bound is dropped and counted
+    /// (`Statistics::repliesShed`); one message is always let through to an empty queue. What a
+    /// departed peer held is freed.
+    std::size_t peerQueueBytes = std::size_t{16} << 20;
+    std::size_t sendQueueBytes = std::size_t{64} << 20;
+    std::size_t delayedReplyBytes = std::size_t{64} << 20;
+    /// Subscription topics kept for `WaitForSubscriber`, in bytes; beyond, further ones are not
+    /// kept (counted in `Statistics::subscriptionsIgnored`), though still served by the publisher.
+    std::size_t subscriptionBytes = std::size_t{4} << 20;
 
     Faults faults;  ///< faults injected from the start
 };
@@ -60,6 +81,8 @@ struct Statistics {
     std::uint64_t repliesDropped = 0;      ///< replies withheld by a fault
     std::uint64_t notificationsPublished = 0;
     std::uint64_t restarts = 0;
+    std::uint64_t repliesShed = 0;           ///< replies dropped at a memory bound
+    std::uint64_t subscriptionsIgnored = 0;  ///< topics beyond `subscriptionBytes`, not kept
 };
 
 /// A replay-server simulator speaking the client's protocol: a ROUTER socket answers the 30
@@ -73,7 +96,8 @@ struct Statistics {
 class Simulator {
 public:
     /// Seeds (or loads) the model, binds both sockets and starts the thread. Throws
-    /// `std::invalid_argument` for bad options, `std::runtime_error` when a socket cannot bind or
+    /// `std::invalid_argument` for bad options (a count out of its range, see `kMaxCount`),
+    /// `std::runtime_error` at once when a socket cannot bind (an address in use included) or
     /// the state file cannot be read.
     explicit Simulator(SimulatorOptions options);
 
@@ -91,13 +115,17 @@ public:
     /// The server's CURVE public key (Z85), empty when unencrypted.
     const std::string& PublicKey() const noexcept;
 
-    /// Replaces the injected faults; applies to commands read from now on.
+    /// Replaces the injected faults; applies to commands read from now on. Throws
+    /// `std::invalid_argument` for a fraction outside 0 .. 1 (NaN included) or a delay outside
+    /// 0 .. 1 hour.
     void SetFaults(const Faults& faults);
     Faults GetFaults() const;
 
     /// Simulates a server restart: closes both sockets (replies not yet sent are lost), binds the
     /// same endpoints again and announces every server with "ServerAdded". The model is kept, as
-    /// a server keeps its storage. Returns once the sockets are bound again.
+    /// a server keeps its storage. Returns once the sockets are bound again. When an address is
+    /// still taken after 2 seconds it throws `std::runtime_error` naming it; the simulator then
+    /// keeps running unbound and tries again every second until it is bound.
     void Restart();
 
     /// Server `serverId` loses the network: "DisconnectedFromNetwork" is published and commands
