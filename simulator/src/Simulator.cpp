@@ -226,6 +226,7 @@ public:
         }
         delayed.clear();
         delayedBytes = 0;
+        delayedByPeer.clear();
         outbox.clear();
         outboxBytes = 0;
         outboxMoving = false;
@@ -308,6 +309,9 @@ private:
     std::mt19937_64 random;
     std::deque<Delayed> delayed;  // in the order of their due times
     std::size_t delayedBytes = 0;
+    // Of `delayedBytes`, each peer's share: one peer that floods may not take all the room and
+    // leave every other peer's replies to be shed.
+    std::map<std::string, std::size_t> delayedByPeer;
     std::map<std::string, PeerQueue> outbox;  // by peer identity; no empty queue is kept
     std::size_t outboxBytes = 0;
     bool outboxMoving = false;
@@ -646,11 +650,18 @@ void Simulator::Impl::HandleCommand(std::vector<zmq::message_t>& frames) {
         }
         for (auto& message : replies) {
             const std::size_t cost = CostOf(message);
+            const auto share = delayedByPeer.find(identity);
+            const std::size_t held = share == delayedByPeer.end() ? 0 : share->second;
+            if (held > 0 && held + cost > options.peerQueueBytes) {
+                Shed("delayed replies for one peer", held, options.peerQueueBytes);
+                continue;
+            }
             if (!delayed.empty() && delayedBytes + cost > options.delayedReplyBytes) {
                 Shed("delayed replies", delayedBytes, options.delayedReplyBytes);
                 continue;
             }
             delayedBytes += cost;
+            delayedByPeer[identity] += cost;
             delayed.push_back({due, identity, ticket, std::move(message)});
         }
     }
@@ -763,7 +774,12 @@ void Simulator::Impl::Shed(const char* where, std::size_t held, std::size_t limi
 void Simulator::Impl::SendDue(Clock::time_point now) {
     while (!delayed.empty() && delayed.front().due <= now) {
         auto& next = delayed.front();
-        delayedBytes -= CostOf(next.message);
+        const std::size_t cost = CostOf(next.message);
+        delayedBytes -= cost;
+        const auto share = delayedByPeer.find(next.identity);
+        if (share != delayedByPeer.end() && (share->second -= cost) == 0) {
+            delayedByPeer.erase(share);
+        }
         Send(next.identity, next.ticket, std::move(next.message));
         delayed.pop_front();
     }

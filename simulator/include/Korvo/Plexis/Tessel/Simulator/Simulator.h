@@ -60,7 +60,7 @@ struct SimulatorOptions {
     /// Memory bounds, in bytes of reply payload. Replies waiting for a peer that does not read
     /// them: at most `peerQueueBytes` for one peer and `sendQueueBytes` for all together (plus
     /// up to 8 messages per peer in ZeroMQ's own queue); replies held back by `replyDelay`: at
-    /// most `delayedReplyBytes`. A reply beyond a bound is dropped and counted
+    /// most `delayedReplyBytes`, of which at most `peerQueueBytes` for one peer. A reply beyond a bound is dropped and counted
     /// (`Statistics::repliesShed`); one message is always let through to an empty queue. What a
     /// departed peer held is freed.
     std::size_t peerQueueBytes = std::size_t{16} << 20;
