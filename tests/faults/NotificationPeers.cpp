@@ -27,10 +27,9 @@ void Deliveries::Attach(Plexis::Tessel::Client::NotificationClient& client) {
 }
 
 void Deliveries::Add(int id) {
-    {
-        std::lock_guard<std::mutex> lock(mutex);
-        ids.push_back(id);
-    }
+    // Notified under the lock: a waiter that sees the id may destroy this object at once.
+    std::lock_guard<std::mutex> lock(mutex);
+    ids.push_back(id);
     changed.notify_all();
 }
 

@@ -19,7 +19,12 @@ std::unique_ptr<CommandClient> ConnectCommandClient(const std::string& endpoint,
         payloads = std::make_shared<DataCommandParamsPayloadBuilder>();
         replies = std::make_shared<DataCommandReplyBuilder>();
     }
-    auto client = std::make_unique<CommandClient>(std::move(messenger), payloads, replies);
+    // Room for the longest listing the tests ask for (20,000 clips), which a sanitizer build may
+    // read more slowly than the simulator writes it.
+    CommandClient::Limits limits;
+    limits.waitingReplyBytes = std::size_t{64} << 20;
+    auto client =
+        std::make_unique<CommandClient>(std::move(messenger), payloads, replies, limits);
     // A command is only sent on a link that is up; wait for it rather than lose the first one.
     EXPECT_TRUE(Eventually(
         [&] { return client->GetConnectionState() == ConnectionState::Connected; }));
