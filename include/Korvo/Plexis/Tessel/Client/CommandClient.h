@@ -120,9 +120,9 @@ private:
     std::thread receptionThread;
     const Limits limits;
     std::uint64_t linkLossesSeen = 0;  // the reception thread's
-    std::atomic<std::uint64_t> droppedUnanswerable{0};
-    std::atomic<std::uint64_t> droppedMisaddressed{0};
-    std::atomic<std::uint64_t> droppedOverBudget{0};
+    // What the reception thread dropped, and its rate-limited logs: this client's own.
+    struct Drops;
+    std::unique_ptr<Drops> drops;
     // Serialises the cancel-and-shut-down step of Stop between an application thread and the
     // reception thread stopping the client after a transport failure. Never held while joining.
     std::mutex stopMutex;
