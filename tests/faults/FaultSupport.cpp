@@ -6,7 +6,6 @@
 #include <fstream>
 #include <iterator>
 #include <sstream>
-#include <thread>
 
 namespace Korvo::Testing {
 
@@ -46,28 +45,6 @@ bool PingAnswered(CommandClient& client, std::chrono::milliseconds limit) {
            reply->commandGuid == params.commandGuid;
 }
 
-bool Eventually(const std::function<bool()>& condition, std::chrono::milliseconds limit) {
-    const auto deadline = std::chrono::steady_clock::now() + limit;
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() >= deadline) {
-            return false;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
-    return true;
-}
-
-int CountLogged(const RecordingLogger& log, const std::string& text) {
-    int count = 0;
-    for (const auto& record : log.Texts()) {
-        count += record.find(text) != std::string::npos ? 1 : 0;
-    }
-    return count;
-}
-
-}  // namespace Korvo::Testing
-
-namespace Korvo::Testing {
 
 namespace {
 

@@ -1,11 +1,11 @@
 #pragma once
 
 // What the fault tests share: a command client with the data builders over the ZeroMQ messenger,
-// transport settings that notice faults quickly, and bounded waits.
+// transport settings that notice faults quickly, and what a process uses, read from /proc.
+// Bounded waits (`Eventually`, `kPatience`) come from support/Waiting.h.
 
 #include <atomic>
 #include <chrono>
-#include <functional>
 #include <memory>
 #include <string>
 
@@ -50,17 +50,6 @@ inline Commands::PingCommandParams Ping() {
 /// Whether a ping sent on `client` is answered with a success for that very ping within `limit`.
 bool PingAnswered(CommandClient& client, std::chrono::milliseconds limit = kPatience);
 
-/// Checks `condition` until it holds, at most `limit`; whether it did. For what no event tells,
-/// such as a count in a log.
-bool Eventually(const std::function<bool()>& condition,
-                std::chrono::milliseconds limit = kPatience);
-
-/// How many records of `log` contain `text`.
-int CountLogged(const RecordingLogger& log, const std::string& text);
-
-}  // namespace Korvo::Testing
-
-namespace Korvo::Testing {
 
 /// How long each hostile peer of the attack tests keeps going: KORVO_ATTACK_SECONDS when set
 /// (scripts/soak.sh sets 60), otherwise 2 seconds, which is what CI runs.
