@@ -27,7 +27,7 @@
 #include "Output.h"
 #include "Session.h"
 #include "Text.h"
-#include "cli/ChildProcess.h"
+#include "support/ChildProcess.h"
 #include "support/Samples.h"
 #include "support/ZmqPeers.h"
 
