@@ -81,25 +81,23 @@ TEST(SimulatorWireTest, BadCommandsAreAnsweredAndGarbageIsSurvived) {
     Simulator simulator(Small());
     DealerPeer raw(simulator.CommandEndpoint());
 
-    raw.Send({TicketBytes(7), "NoSuchCommand", ""});
-    auto reply = raw.Receive();
-    ASSERT_EQ(reply.size(), 3u);
-    EXPECT_EQ(reply[0], TicketBytes(7));
-    EXPECT_EQ(reply[1], "UnknownCommand");
-    Plexis::Tessel::Client::ChannelCommandReplyBuilder builder;
-    Common::Serialization::PointerBuffer unknownBytes(
-        reinterpret_cast<unsigned char*>(reply[2].data()), static_cast<unsigned>(reply[2].size()));
-    const auto unknown = builder.BuildCommandReply(reply[1], unknownBytes);
+    // The reply to `frames`, decoded; the test fails unless it comes for their ticket as `header`.
+    const auto answer = [&raw](const Frames& frames, const std::string& header) {
+        raw.Send(frames);
+        auto reply = raw.Receive();
+        EXPECT_EQ(reply.size(), 3u);
+        EXPECT_EQ(reply.at(0), frames[0]);
+        EXPECT_EQ(reply.at(1), header);
+        const Common::Serialization::PointerBuffer bytes(
+            reinterpret_cast<unsigned char*>(reply.at(2).data()),
+            static_cast<unsigned>(reply.at(2).size()));
+        return Plexis::Tessel::Client::ChannelCommandReplyBuilder().BuildCommandReply(header, bytes);
+    };
+    const auto unknown = answer({TicketBytes(7), "NoSuchCommand", ""}, "UnknownCommand");
     EXPECT_EQ(dynamic_cast<const Commands::UnknownCommandReply&>(*unknown).message,
               "Unknown command \"NoSuchCommand\".");
-
-    raw.Send({TicketBytes(8), "PlayCommand", std::string("\x1c\xff\xff", 3)});
-    reply = raw.Receive();
-    ASSERT_EQ(reply.size(), 3u);
-    EXPECT_EQ(reply[1], "FailureReply");
-    Common::Serialization::PointerBuffer failureBytes(
-        reinterpret_cast<unsigned char*>(reply[2].data()), static_cast<unsigned>(reply[2].size()));
-    const auto failure = builder.BuildCommandReply(reply[1], failureBytes);
+    const auto failure =
+        answer({TicketBytes(8), "PlayCommand", std::string("\x1c\xff\xff", 3)}, "FailureReply");
     EXPECT_NE(dynamic_cast<const Commands::FailureReply&>(*failure).message.find("PlayCommand"),
               std::string::npos);
 
@@ -123,6 +121,7 @@ TEST(SimulatorWireTest, BadCommandsAreAnsweredAndGarbageIsSurvived) {
     }
     raw.Send({TicketBytes(9), "PingCommand",
               Encoded("PingCommand", NewParams<Commands::PingCommandParams>())});
+    Frames reply;
     for (;;) {  // the answers to the garbage come first, then the ping's
         reply = raw.Receive();
         ASSERT_EQ(reply.size(), 3u);
