@@ -70,6 +70,8 @@ TEST_F(MessengerTest, CommandFramesArriveAsSentAndEachRequestEndsOnceWithItsOwnR
     ASSERT_EQ(last.kind, Kind::Final);
     EXPECT_EQ(TextOf(*play, last), "two");
     EXPECT_THROW(stop->Next(milliseconds(0)), std::logic_error);  // nothing after the final
+    // The stray, duplicate and late replies were handled before "two", which came after them.
+    EXPECT_EQ(client->GetDroppedReplies().unanswerable, 4u);
 }
 
 TEST_F(MessengerTest, TicketsTravelAsSignedLittleEndianBytesAndAReplyEndsTheWaitAtOnce) {
