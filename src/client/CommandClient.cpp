@@ -10,8 +10,8 @@
 #include <Korvo/Plexis/Tessel/Logging/Loggers.h>
 
 #include "client/ReplyIdentity.h"
-#include "logging/LogSupport.h"
-#include "logging/RateLimit.h"
+#include <Korvo/Plexis/Tessel/Logging/Log.h>
+#include <Korvo/Plexis/Tessel/Logging/RateLimit.h>
 
 namespace Korvo::Plexis::Tessel::Client {
 namespace {

@@ -8,7 +8,7 @@
 
 #include <poll.h>
 
-#include "logging/LogSupport.h"
+#include <Korvo/Plexis/Tessel/Logging/Log.h>
 
 namespace Korvo::Common::Messaging::Detail {
 namespace {

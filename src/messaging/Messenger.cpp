@@ -7,8 +7,8 @@
 #include <Korvo/Common/Messaging/ObjectShutDownException.h>
 #include <Korvo/Plexis/Tessel/Logging/Loggers.h>
 
-#include "logging/LogSupport.h"
-#include "logging/RateLimit.h"
+#include <Korvo/Plexis/Tessel/Logging/Log.h>
+#include <Korvo/Plexis/Tessel/Logging/RateLimit.h>
 #include "messaging/ConnectionMonitor.h"
 #include "messaging/Envelope.h"
 #include "messaging/Link.h"
@@ -151,7 +151,7 @@ std::uint64_t Messenger::GetLinkLosses() const {
     return impl->monitor.Losses(0);
 }
 
-std::unique_ptr<Plexis::Tessel::Client::BaseMessage> Messenger::Receive() {
+std::unique_ptr<Message> Messenger::Receive() {
     if (impl->shutDown.load()) {
         throw ObjectShutDownException("Receive: messenger shut down.");
     }

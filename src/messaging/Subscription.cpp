@@ -15,8 +15,8 @@
 #include <Korvo/Common/Messaging/TransportException.h>
 #include <Korvo/Plexis/Tessel/Logging/Loggers.h>
 
-#include "logging/LogSupport.h"
-#include "logging/RateLimit.h"
+#include <Korvo/Plexis/Tessel/Logging/Log.h>
+#include <Korvo/Plexis/Tessel/Logging/RateLimit.h>
 #include "messaging/ConnectionMonitor.h"
 #include "messaging/Envelope.h"
 #include "messaging/FaultInjection.h"

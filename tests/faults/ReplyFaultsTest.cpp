@@ -118,7 +118,7 @@ TEST(ReplyFaultsTest, RepliesForUnknownTicketsAndAfterTheFinalOneAreDropped) {
     RouterPeer server;
     StateLog states;
     auto client = std::make_unique<CommandClient>(
-        std::make_unique<Common::Messaging::Client::Messenger>(
+        std::make_unique<Plexis::Tessel::Client::ZmqMessenger>(
             Common::Messaging::EndPoint(server.Address()), QuickOptions(),
             [&](ConnectionState state) { states.Record(state); }),
         std::make_shared<TextPayloadBuilder>(), std::make_shared<TextReplyBuilder>());
