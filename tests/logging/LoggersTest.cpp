@@ -83,10 +83,6 @@ TEST(Loggers, ReplacingTheFactoryKeepsLoggersAlreadyMade) {
     EXPECT_EQ(second->created, 1);
 }
 
-TEST(Loggers, ProgramInstanceIsOneObject) {
-    EXPECT_EQ(&Loggers::GetInstance(), &Loggers::GetInstance());
-}
-
 TEST(StandardErrorLoggerFactory, LineCarriesTimeLevelNameTextAndSource) {
     EXPECT_EQ(StandardErrorLoggerFactory::FormatLine(
                   "2026-11-21T05:53:33.123Z", ILogger::Warning, "CommandClient", "Stop called.",
