@@ -19,7 +19,6 @@ namespace {
 using Common::Messaging::ObjectShutDownException;
 using Common::Messaging::TransportException;
 using Logging::ILogger;
-using Logging::Log;
 using Logging::LogComposed;
 using Logging::RateLimit;
 using Logging::Suppressed;
@@ -94,7 +93,7 @@ CommandClient::CommandClient(std::unique_ptr<BaseClientMessenger> messenger,
       limits(limits) {
     linkLossesSeen = this->messenger->GetLinkLosses();
     StartReceptionThread();
-    Log(logger, ILogger::Info, "Started.", kSource, __LINE__);
+    KORVO_LOG(logger, ILogger::Info, "Started.");
 }
 
 CommandClient::~CommandClient() {
@@ -132,7 +131,7 @@ std::unique_ptr<PendingCommandReply> CommandClient::Request(
     std::unique_ptr<Common::Serialization::Buffer> payload =
         payloadBuilder->BuildPayload(commandName, params);
     if (!payload) {
-        Log(logger, ILogger::Error, "Request: failed to build command payload.", kSource, __LINE__);
+        KORVO_LOG(logger, ILogger::Error, "Request: failed to build command payload.");
         return nullptr;
     }
 
@@ -158,7 +157,7 @@ std::unique_ptr<PendingCommandReply> CommandClient::Request(
     if (!failure.empty()) {
         requestMap->Forget(requestId, replies);
         requestMap->EndSend();
-        Log(logger, ILogger::Fatal, failure.c_str(), kSource, __LINE__);
+        KORVO_LOG(logger, ILogger::Fatal, failure.c_str());
         Stop();
         return nullptr;
     }
@@ -203,10 +202,10 @@ void CommandClient::ProcessReception() {
         failure = DescribeMessengerFailure("ProcessReception");
     }
     if (!failure.empty()) {
-        Log(logger, ILogger::Fatal, failure.c_str(), kSource, __LINE__);
+        KORVO_LOG(logger, ILogger::Fatal, failure.c_str());
         Stop();
     }
-    Log(logger, ILogger::Info, "ProcessReception: stopped.", kSource, __LINE__);
+    KORVO_LOG(logger, ILogger::Info, "ProcessReception: stopped.");
     receptionOwner = nullptr;
 }
 
@@ -222,14 +221,10 @@ void CommandClient::EndRequestsOfLostLinks() {
         return;
     }
     if (const auto admitted = limit.Admit()) {
-        LogComposed(
-            logger, ILogger::Warning,
-            [&] {
-                return "ProcessReception: the link to the server was lost; " +
-                       std::to_string(ended) + " requests sent on it ended unanswered." +
-                       Suppressed(*admitted);
-            },
-            kSource, __LINE__);
+        KORVO_LOG_COMPOSED(logger, ILogger::Warning, [&] {
+            return "ProcessReception: the link to the server was lost; " + std::to_string(ended) +
+                   " requests sent on it ended unanswered." + Suppressed(*admitted);
+        });
     }
 }
 
@@ -268,14 +263,12 @@ void CommandClient::Deliver(std::unique_ptr<BaseMessage> message) {
         droppedMisaddressed.fetch_add(1);
         static RateLimit limit;
         if (const auto admitted = limit.Admit()) {
-            LogComposed(
-                logger, ILogger::Warning,
-                [&] {
+            KORVO_LOG_COMPOSED(
+                logger, ILogger::Warning, [&] {
                     return "Deliver: dropped a reply for ticket " + std::to_string(ticket) +
                            " naming another command than the one sent under it." +
                            Suppressed(*admitted);
-                },
-                kSource, __LINE__);
+                });
         }
         return;
     }
@@ -284,15 +277,13 @@ void CommandClient::Deliver(std::unique_ptr<BaseMessage> message) {
         replies->Discard();
         static RateLimit limit;
         if (const auto admitted = limit.Admit()) {
-            LogComposed(
-                logger, ILogger::Warning,
-                [&] {
+            KORVO_LOG_COMPOSED(
+                logger, ILogger::Warning, [&] {
                     return "Deliver: the replies waiting for ticket " + std::to_string(ticket) +
                            " reached " + std::to_string(limits.waitingReplyBytes) +
                            " bytes; the request ends and its replies are dropped." +
                            Suppressed(*admitted);
-                },
-                kSource, __LINE__);
+                });
         }
         return;
     }
@@ -345,7 +336,7 @@ void CommandClient::Stop() {
         LogAbandoned(logger, "Stop", abandoned, __LINE__);
         JoinReceptionThread();
     }
-    Log(logger, ILogger::Info, "Shut down.", kSource, __LINE__);
+    KORVO_LOG(logger, ILogger::Info, "Shut down.");
 }
 
 Common::Messaging::ConnectionState CommandClient::GetConnectionState() const {
