@@ -90,6 +90,7 @@
 #include <Korvo/Plexis/Tessel/Client/ChannelCommandReplyBuilder.h>
 #include <Korvo/Plexis/Tessel/Client/ChannelsCommandParamsPayloadBuilder.h>
 #include <Korvo/Plexis/Tessel/Client/CommandClient.h>
+#include <Korvo/Plexis/Tessel/Client/Connection.h>
 #include <Korvo/Plexis/Tessel/Client/CommandParamsPayloadBuilder.h>
 #include <Korvo/Plexis/Tessel/Client/CommandReplyBuilder.h>
 #include <Korvo/Plexis/Tessel/Client/ConcurrentQueue.h>
