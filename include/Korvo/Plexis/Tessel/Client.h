@@ -42,6 +42,7 @@
 #include <Korvo/Plexis/Data/ComparedByFields.h>
 #include <Korvo/Plexis/Data/Guid.h>
 #include <Korvo/Plexis/Data/OperationStatus.h>
+#include <Korvo/Plexis/Data/ReadableValues.h>
 #include <Korvo/Plexis/Data/Sequences/AudioVideoElement.h>
 #include <Korvo/Plexis/Data/Sequences/AudioVideoTrack.h>
 #include <Korvo/Plexis/Data/Sequences/Element.h>
