@@ -3,6 +3,7 @@
 // listings; the latest-value lane under a slow server.
 
 #include <atomic>
+#include <future>
 #include <set>
 #include <thread>
 
@@ -111,6 +112,22 @@ TEST(ConnectionTest, ATypedCallIsAnsweredWithItsReplyClassAndAFreshCommandIdenti
     EXPECT_FALSE(ping.CommandGuid().GetValue().empty());
     EXPECT_NE(ping.CommandGuid(), play.CommandGuid());
     EXPECT_EQ(ping.GetReply()->commandGuid, ping.CommandGuid());
+
+    // A callback may send: it runs under no lock of the library, so this neither deadlocks nor
+    // shows an inverted lock order to ThreadSanitizer.
+    std::promise<Outcome> chained;
+    CallOptions<Commands::PingCommandParams> chaining;
+    chaining.onDone = [&](const Operation<Commands::PingCommandParams>&) {
+        CallOptions<Commands::PingCommandParams> last;
+        last.onDone = [&](const Operation<Commands::PingCommandParams>& operation) {
+            chained.set_value(operation.GetOutcome());
+        };
+        connection.Send(Commands::PingCommandParams{}, last);
+    };
+    connection.Send(Commands::PingCommandParams{}, chaining);
+    auto chainedOutcome = chained.get_future();
+    ASSERT_EQ(chainedOutcome.wait_for(kPatience), std::future_status::ready);
+    EXPECT_EQ(chainedOutcome.get(), Outcome::Replied);
 
     // A given identifier is kept.
     auto named = NewParams<Commands::PingCommandParams>();
@@ -334,8 +351,8 @@ TEST(ConnectionTest, TheDialLaneKeepsOneInFlightAndTheLastValueArrivesLast) {
 
 TEST(ConnectionTest, WatchersSeeTheLinkComeAndGoAndAWaitForItHasALimit) {
     auto server = std::make_unique<SimulatorProcess>();
+    StateLog states;  // outlives the connection, whose last state it is told
     Connection connection(To(server->CommandEndpoint()));
-    StateLog states;
     connection.Watch([&](ConnectionState state) { states.Record(state); });
     EXPECT_TRUE(connection.WaitConnected(kPatience));
     EXPECT_TRUE(states.WaitFor(ConnectionState::Connected));
