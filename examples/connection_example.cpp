@@ -117,15 +117,18 @@ int main(int argc, char** argv) {
     }
 
     // Jog: only the latest value matters; older ones never queue behind a slow server.
-    for (int velocity = 10; velocity <= 50; velocity += 10) {
-        Commands::DialCommandParams dial;
-        dial.players = {player};
-        dial.velocity = velocity;
-        server.SendLatest(dial, {std::chrono::seconds(2), [](const auto& done) {
-                                     std::cout << "dial " << done.CommandGuid().GetValue() << ": "
-                                               << ToString(done.GetOutcome()) << "\n";
-                                 }});
+    Korvo::Plexis::Tessel::Client::CallOptions<Commands::DialCommandParams> report;
+    report.onDone = [](const auto& done) {  // on the connection's callback thread
+        std::cout << "dial: " << ToString(done.GetOutcome()) << "\n";
+    };
+    Commands::DialCommandParams dial;
+    dial.players = {player};
+    dial.velocity = 10;
+    auto last = server.SendLatest(dial, report);
+    for (dial.velocity = 20; dial.velocity <= 50; dial.velocity += 10) {
+        last = server.SendLatest(dial, report);  // each replaces the one still waiting, if any
     }
+    last.Wait();  // the last value set is the last to reach the server
 
     auto channels = server.Send(Commands::GetChannelsCommandParams{});
     if (channels.Wait() == Outcome::Replied) {

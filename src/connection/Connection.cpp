@@ -29,8 +29,10 @@ const char* ToString(Outcome outcome) noexcept {
     return "Unknown";
 }
 
-namespace Detail {
+namespace Calls {
 namespace {
+
+using Detail::OnCallbackThread;
 
 void RefuseOnCallbackThread(const char* what) {
     if (OnCallbackThread()) {
@@ -79,7 +81,7 @@ std::string LaneKeyOf(const Commands::DialCommandParams& params) {
     return key;
 }
 
-}  // namespace Detail
+}  // namespace Calls
 
 Connection::Connection(ConnectionOptions options)
     : engine(std::make_shared<Detail::Engine>(std::move(options))) {}
@@ -124,7 +126,7 @@ CommandClient& Connection::Commands() { return *engine->client; }
 
 std::shared_ptr<Detail::OperationCore> Connection::StartUntyped(
     std::unique_ptr<Commands::CommandParams> owned, Commands::CommandParams& params,
-    Detail::CallSetup setup) {
+    Calls::CallSetup setup) {
     if (params.commandGuid.GetValue().empty()) {
         params.commandGuid = Data::Guid(Detail::NewCommandGuid());
     }

@@ -13,6 +13,8 @@
 #include "logging/RateLimit.h"
 
 namespace Korvo::Plexis::Tessel::Client::Detail {
+
+using Calls::CallSetup;
 namespace {
 
 namespace Commands = HighLevelOperations::Commands;

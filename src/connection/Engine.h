@@ -29,6 +29,8 @@
 
 namespace Korvo::Plexis::Tessel::Client::Detail {
 
+using Calls::CallSetup;
+
 using Clock = std::chrono::steady_clock;
 
 class OperationCore : public std::enable_shared_from_this<OperationCore> {

@@ -62,9 +62,14 @@ template <class Params>
 class Operation;
 
 namespace Detail {
-
 class OperationCore;  // the state of one call, shared by the connection and its `Operation`
 class Engine;         // the state of a connection, shared with its threads
+}  // namespace Detail
+
+// What the templates below call into the library for; not for applications.
+namespace Calls {
+
+using Detail::OperationCore;
 
 // The operations of `Operation<Params>`, type-erased.
 Outcome OutcomeOf(const OperationCore& core);
@@ -102,7 +107,7 @@ struct TypeCodes<std::tuple<Replies...>> {
 // The lane key of a command whose values may replace each other, or "" for any other.
 std::string LaneKeyOf(const HighLevelOperations::Commands::DialCommandParams& params);
 
-}  // namespace Detail
+}  // namespace Calls
 
 /// Whether `Params` is a continuous control that may use the latest-value lane
 /// (`Connection::SendLatest`): a command whose newer value makes an older, unsent one pointless.
@@ -143,25 +148,25 @@ public:
 
     /// The command identifier the command was sent with (filled in when the parameters had
     /// none).
-    const Data::Guid& CommandGuid() const { return Detail::GuidOf(*core); }
+    const Data::Guid& CommandGuid() const { return Calls::GuidOf(*core); }
 
     /// The outcome so far; `Pending` until the operation ends. Does not wait.
-    Outcome GetOutcome() const { return Detail::OutcomeOf(*core); }
+    Outcome GetOutcome() const { return Calls::OutcomeOf(*core); }
     bool IsDone() const { return GetOutcome() != Outcome::Pending; }
 
     /// Waits until the operation ends (its time limit bounds the wait) and returns the outcome.
     /// Throws `std::logic_error` when called on the connection's callback thread (from any
     /// callback of the connection), where it would wait for itself.
-    Outcome Wait() const { return Detail::WaitFor(*core, nullptr); }
+    Outcome Wait() const { return Calls::WaitFor(*core, nullptr); }
 
     /// Waits at most `limit`; `Pending` when the operation has not ended by then. Throws like
     /// `Wait`.
-    Outcome Wait(std::chrono::milliseconds limit) const { return Detail::WaitFor(*core, &limit); }
+    Outcome Wait(std::chrono::milliseconds limit) const { return Calls::WaitFor(*core, &limit); }
 
     /// Ends the operation with `Cancelled` unless it has ended already; a reply that comes later
     /// is dropped. The command may still run on the server if it was sent. Never waits for a
     /// callback.
-    void Cancel() const { Detail::Cancel(*core); }
+    void Cancel() const { Calls::Cancel(*core); }
 
     /// The reply as `R` (one of `Replies`): when the outcome is `Replied` with a reply of that
     /// class, else null. A reply that came in parts is joined into one object (its lists
@@ -169,24 +174,24 @@ public:
     /// of this operation lives.
     template <class R>
     const R* Get() const {
-        static_assert(Detail::TypeCodes<Replies>::template kContains<R>,
+        static_assert(Calls::TypeCodes<Replies>::template kContains<R>,
                       "this command never receives that reply class");
-        return dynamic_cast<const R*>(Detail::ReplyOf(*core));
+        return dynamic_cast<const R*>(Calls::ReplyOf(*core));
     }
 
     /// The reply, of any class, when the outcome is `Replied`; else null.
     const HighLevelOperations::Commands::CommandReply* GetReply() const {
-        return Detail::ReplyOf(*core);
+        return Calls::ReplyOf(*core);
     }
 
     /// For `BadReply`, `NotSent`, `LinkLost` and `Cancelled`: what happened, in words; may be
     /// empty.
-    const std::string& Reason() const { return Detail::ReasonOf(*core); }
+    const std::string& Reason() const { return Calls::ReasonOf(*core); }
 
-    explicit Operation(std::shared_ptr<Detail::OperationCore> core) : core(std::move(core)) {}
+    explicit Operation(std::shared_ptr<Calls::OperationCore> core) : core(std::move(core)) {}
 
 private:
-    std::shared_ptr<Detail::OperationCore> core;
+    std::shared_ptr<Calls::OperationCore> core;
 };
 
 /// One replay server, as an application sees it: typed asynchronous commands over one command
@@ -273,9 +278,9 @@ private:
             throw std::invalid_argument(
                 "Connection: only commands that only read may be sent again.");
         }
-        Detail::CallSetup setup{Traits::kName,
+        Calls::CallSetup setup{Traits::kName,
                                 Traits::kFamily,
-                                Detail::TypeCodes<typename Traits::Replies>::Get(),
+                                Calls::TypeCodes<typename Traits::Replies>::Get(),
                                 Traits::Reply::kType,
                                 options.timeLimit,
                                 {},
@@ -290,13 +295,13 @@ private:
         }
         if (options.onDone) {
             setup.onDone = [onDone = std::move(options.onDone)](
-                               const std::shared_ptr<Detail::OperationCore>& core) {
+                               const std::shared_ptr<Calls::OperationCore>& core) {
                 onDone(Operation<Params>(core));
             };
         }
         if constexpr (kIsContinuous<Params>) {
             if (latest) {
-                setup.laneKey = Detail::LaneKeyOf(params);
+                setup.laneKey = Calls::LaneKeyOf(params);
             }
         }
         auto owned = std::make_unique<Params>(std::move(params));
@@ -304,9 +309,9 @@ private:
         return Operation<Params>(StartUntyped(std::move(owned), *raw, std::move(setup)));
     }
 
-    std::shared_ptr<Detail::OperationCore> StartUntyped(
+    std::shared_ptr<Calls::OperationCore> StartUntyped(
         std::unique_ptr<HighLevelOperations::Commands::CommandParams> owned,
-        HighLevelOperations::Commands::CommandParams& params, Detail::CallSetup setup);
+        HighLevelOperations::Commands::CommandParams& params, Calls::CallSetup setup);
 
     std::shared_ptr<Detail::Engine> engine;
 };
