@@ -532,7 +532,8 @@ void Engine::Run() {
         if (deadlines.empty()) {
             wake.wait(lock);
         } else {
-            wake.wait_until(lock, deadlines.begin()->first);
+            const Clock::time_point next = deadlines.begin()->first;  // the node may go meanwhile
+            wake.wait_until(lock, next);
         }
     }
     onCallbackThread = false;
