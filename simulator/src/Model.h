@@ -6,6 +6,8 @@
 #include <random>
 #include <set>
 #include <string>
+#include <type_traits>
+#include <utility>
 #include <vector>
 
 #include <Korvo/Plexis/Tessel/Simulator/Simulator.h>
@@ -41,6 +43,7 @@ enum PlayMode : std::int32_t { Idle = 0, Cued = 1, Playing = 2, Live = 3, Dialin
 enum Material : std::int32_t { Nothing = 0, ClipMaterial = 1, SequenceMaterial = 2, LiveFeed = 3 };
 
 inline constexpr std::int64_t kFieldsPerSecond = 50;
+inline constexpr std::int64_t kFieldsPerDay = 24 * 3600 * kFieldsPerSecond;
 
 /// "HH:MM:SS:FF" of a time point counted in fields (25 frames a second), as a time of day.
 std::string TimecodeOf(std::int64_t fields);
@@ -171,11 +174,64 @@ private:
     Data::Channels::RecorderState RecorderStateOf(const RecorderEntry& recorder) const;
     Data::Channels::PlayerClipOnAir OnAir(const std::string& clipId, std::int64_t position) const;
 
+    // The per-channel results of a channel command, which go out as `ChannelCommandReply`s.
+    struct ChannelAnswer {
+        const Data::Guid& commandGuid;
+        const Results& results;
+    };
+
+    // How every command ends: its reply goes out first, then `publish` notifies of what the
+    // command changed, so that a client has its command's outcome before the effects it caused.
+    template <class Reply, class Publish>
+    void Answer(Reply&& reply, Publish publish) {
+        if constexpr (std::is_same_v<std::decay_t<Reply>, ChannelAnswer>) {
+            emitter->ChannelResults(reply.commandGuid, reply.results);
+        } else {
+            emitter->Reply(std::forward<Reply>(reply));
+        }
+        publish();
+    }
+    template <class Reply>
+    void Answer(Reply&& reply) {
+        Answer(std::forward<Reply>(reply), [] {});
+    }
+
     void PublishPlayer(const PlayerEntry& player);
     void PublishRecorder(const RecorderEntry& recorder, const Data::Guid& commandGuid);
     void PublishRanges(const RecorderEntry& recorder);
+
+    // A command event of `commandGuid` on server `serverId`, as this simulator's user made it.
     template <class Args>
-    Args CommandEvent(const Data::Guid& commandGuid, int serverId, int sequenceNumber) const;
+    Args CommandEvent(const Data::Guid& commandGuid, int serverId, int sequenceNumber) const {
+        Args args;
+        args.commandGuid = commandGuid;
+        args.serverId = serverId;
+        args.originType = commandGuid.IsEmpty() ? 2 : 1;
+        args.sequenceNumber = sequenceNumber;
+        args.result = 0;
+        args.timestamp = nowMs();
+        args.userName = "tessel-sim";
+        return args;
+    }
+    // Publishes a command event at the current revision once `fill` has set its own fields;
+    // returns what it published.
+    template <class Args, class Fill>
+    Args PublishCommandEvent(const Data::Guid& commandGuid, int serverId, int sequenceNumber,
+                             Fill fill) {
+        auto args = CommandEvent<Args>(commandGuid, serverId, sequenceNumber);
+        fill(args);
+        args.revision = revision;
+        emitter->Notify(ServerName(serverId), args);
+        return args;
+    }
+    // Publishes the "...Finished" twin of an event already published, as number `sequenceNumber`.
+    template <class Finished, class Started>
+    void PublishFinished(const Started& started, int sequenceNumber) {
+        Finished finished;
+        static_cast<Started&>(finished) = started;
+        finished.sequenceNumber = sequenceNumber;
+        emitter->Notify(ServerName(started.serverId), finished);
+    }
 
     // Above the mass threshold, one mass notification per server instead of one per clip: true
     // when it published them.

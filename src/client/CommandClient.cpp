@@ -76,6 +76,15 @@ void SleepAfterEmptyReceive(std::chrono::steady_clock::time_point receiveStarted
 
 }  // namespace
 
+struct CommandClient::Drops {
+    std::atomic<std::uint64_t> unanswerable{0};
+    std::atomic<std::uint64_t> misaddressed{0};
+    std::atomic<std::uint64_t> overBudget{0};
+    RateLimit linkLossLog;
+    RateLimit misaddressedLog;
+    RateLimit overBudgetLog;
+};
+
 CommandClient::CommandClient(std::unique_ptr<BaseClientMessenger> messenger,
                              std::shared_ptr<CommandParamsPayloadBuilder> payloadBuilder,
                              std::shared_ptr<CommandReplyBuilder> replyBuilder)
@@ -91,7 +100,8 @@ CommandClient::CommandClient(std::unique_ptr<BaseClientMessenger> messenger,
       replyBuilder(std::move(replyBuilder)),
       logger(Logging::Loggers::GetInstance().GetLogger("CommandClient")),
       requestMap(std::make_shared<RequestMap>()),
-      limits(limits) {
+      limits(limits),
+      drops(std::make_unique<Drops>()) {
     linkLossesSeen = this->messenger->GetLinkLosses();
     StartReceptionThread();
     Log(logger, ILogger::Info, "Started.", kSource, __LINE__);
@@ -223,11 +233,10 @@ void CommandClient::EndRequestsOfLostLinks() {
     }
     linkLossesSeen = losses;
     const std::size_t ended = requestMap->EndSentBefore(losses);
-    static RateLimit limit;
     if (ended == 0) {
         return;
     }
-    if (const auto admitted = limit.Admit()) {
+    if (const auto admitted = drops->linkLossLog.Admit()) {
         LogComposed(
             logger, ILogger::Warning,
             [&] {
@@ -253,7 +262,7 @@ void CommandClient::Deliver(std::unique_ptr<BaseMessage> message) {
         auto found = requestMap->requests.find(ticket);
         if (found == requestMap->requests.end() || (partial && found->second->IsClosed())) {
             // Answers a request that ended, was abandoned or never made.
-            droppedUnanswerable.fetch_add(1);
+            drops->unanswerable.fetch_add(1);
             return;
         }
         misaddressed = carried && *carried != found->second->CommandGuid();
@@ -271,9 +280,8 @@ void CommandClient::Deliver(std::unique_ptr<BaseMessage> message) {
     }
     if (misaddressed) {
         // The request keeps waiting: its own reply may still come.
-        droppedMisaddressed.fetch_add(1);
-        static RateLimit limit;
-        if (const auto admitted = limit.Admit()) {
+        drops->misaddressed.fetch_add(1);
+        if (const auto admitted = drops->misaddressedLog.Admit()) {
             LogComposed(
                 logger, ILogger::Warning,
                 [&] {
@@ -286,10 +294,9 @@ void CommandClient::Deliver(std::unique_ptr<BaseMessage> message) {
         return;
     }
     if (overflowed) {
-        droppedOverBudget.fetch_add(1 + replies->Size());
+        drops->overBudget.fetch_add(1 + replies->Size());
         replies->Discard();
-        static RateLimit limit;
-        if (const auto admitted = limit.Admit()) {
+        if (const auto admitted = drops->overBudgetLog.Admit()) {
             LogComposed(
                 logger, ILogger::Warning,
                 [&] {
@@ -360,9 +367,9 @@ Common::Messaging::ConnectionState CommandClient::GetConnectionState() const {
 
 CommandClient::DroppedReplies CommandClient::GetDroppedReplies() const {
     DroppedReplies dropped;
-    dropped.unanswerable = droppedUnanswerable.load();
-    dropped.misaddressed = droppedMisaddressed.load();
-    dropped.overBudget = droppedOverBudget.load();
+    dropped.unanswerable = drops->unanswerable.load();
+    dropped.misaddressed = drops->misaddressed.load();
+    dropped.overBudget = drops->overBudget.load();
     return dropped;
 }
 

@@ -15,6 +15,7 @@
 #include <nlohmann/json.hpp>
 
 #include <Korvo/Common/Serialization/SerializerImpl.h>
+#include <Korvo/Plexis/Tessel/Client/CommandTypes.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/GetClipsCommandReply.h>
 #include <Korvo/Plexis/Tessel/Json/CommandParamsJson.h>
 #include <Korvo/Plexis/Tessel/Json/CommandReplyJson.h>
@@ -26,7 +27,7 @@
 #include "Output.h"
 #include "Session.h"
 #include "Text.h"
-#include "cli/ChildProcess.h"
+#include "support/ChildProcess.h"
 #include "support/Samples.h"
 #include "support/ZmqPeers.h"
 
@@ -38,6 +39,7 @@ using Plexis::Tessel::Cli::ExitCode;
 using Plexis::Tessel::Simulator::Simulator;
 using Plexis::Tessel::Simulator::SimulatorOptions;
 using Json = nlohmann::json;
+namespace Commands = Plexis::Tessel::HighLevelOperations::Commands;
 
 constexpr auto kPatience = 60s;
 
@@ -100,35 +102,32 @@ protected:
 };
 
 TEST_F(TesselTest, ListingsShowTheServersContent) {
-    auto result = Tessel({"servers"});
-    EXPECT_EQ(result.exitCode, 0) << result.err;
-    EXPECT_NE(result.out.find("replay-1"), std::string::npos) << result.out;
-    EXPECT_NE(result.out.find("replay-2"), std::string::npos) << result.out;
-
-    result = Tessel({"channels", "--server", "2"});
-    EXPECT_EQ(result.exitCode, 0) << result.err;
-    EXPECT_NE(result.out.find("player:2:3"), std::string::npos) << result.out;
-    EXPECT_NE(result.out.find("recorder:2:5"), std::string::npos) << result.out;
-    EXPECT_EQ(result.out.find("player:1:0"), std::string::npos) << result.out;
-
-    // The clips come in parts; the filter sees all of them and keeps one.
-    result = Tessel({"clips", "--name", "clip 00049"});
-    EXPECT_EQ(result.exitCode, 0) << result.err;
-    ASSERT_EQ(Lines(result.out).size(), 2u) << result.out;  // the header and one clip
-    EXPECT_NE(result.out.find("Clip 00049"), std::string::npos);
-    EXPECT_EQ(result.err, "");  // standard error is no terminal: no progress line
-
-    result = Tessel({"trains"});
-    EXPECT_EQ(result.exitCode, 0) << result.err;
-    EXPECT_EQ(Lines(result.out).size(), 5u) << result.out;  // two recorders on each server
-
-    result = Tessel({"playlists"});
-    EXPECT_EQ(result.exitCode, 0) << result.err;
-    EXPECT_NE(result.out.find("Playlist 3"), std::string::npos) << result.out;
-
-    result = Tessel({"ping"});
-    EXPECT_EQ(result.exitCode, 0) << result.err;
-    EXPECT_EQ(result.out.rfind("pong from " + simulator.CommandEndpoint(), 0), 0u) << result.out;
+    const struct {
+        std::vector<std::string> arguments;
+        std::vector<std::string> shown;
+        std::string hidden;
+        std::size_t lines;  // 0: any number
+    } cases[] = {
+        {{"servers"}, {"replay-1", "replay-2"}, "", 0},
+        {{"channels", "--server", "2"}, {"player:2:3", "recorder:2:5"}, "player:1:0", 0},
+        // The clips come in parts; the filter sees all of them and keeps one, under a header.
+        {{"clips", "--name", "clip 00049"}, {"Clip 00049"}, "Clip 00048", 2},
+        {{"trains"}, {}, "", 5},  // two recorders on each server
+        {{"playlists"}, {"Playlist 3"}, "", 0},
+        {{"ping"}, {"pong from " + simulator.CommandEndpoint()}, "", 0},
+    };
+    for (const auto& test : cases) {
+        SCOPED_TRACE(test.arguments.front());
+        const auto result = Tessel(test.arguments);
+        EXPECT_EQ(result.exitCode, 0) << result.err;
+        EXPECT_EQ(result.err, "");  // standard error is no terminal: no progress line
+        for (const auto& text : test.shown) {
+            EXPECT_NE(result.out.find(text), std::string::npos) << result.out;
+        }
+        EXPECT_TRUE(test.hidden.empty() || result.out.find(test.hidden) == std::string::npos)
+            << result.out;
+        EXPECT_TRUE(test.lines == 0 || Lines(result.out).size() == test.lines) << result.out;
+    }
 }
 
 TEST_F(TesselTest, CallPrintsEachPartOfAListingAsOneJsonLine) {
@@ -297,7 +296,6 @@ TEST_F(TesselTest, EachFailureHasItsExitCodeAndOneLineOnStandardError) {
 // shown as it arrives, and what was shown stays whole when a time-out or a signal ends the wait.
 // A clip name carrying a terminal escape reaches the terminal escaped, and JSON stays valid.
 TEST_F(TesselTest, ListingPartsAreShownAsTheyArriveAndStayWholeWhenTheWaitEnds) {
-    namespace Commands = Plexis::Tessel::HighLevelOperations::Commands;
     namespace Wire = Plexis::Tessel::Serialization::Thrift::Commands::Generated;
     const auto partPayload = [](int number) {
         Commands::GetClipsCommandReply part(Plexis::Data::Guid("list-1"));
@@ -363,6 +361,20 @@ TEST_F(TesselTest, ListingPartsAreShownAsTheyArriveAndStayWholeWhenTheWaitEnds) 
             }
         }
     }
+}
+
+// A server that takes a command and dies before answering: tessel says so at once instead of
+// waiting out its time-out.
+TEST(LinkOutcomeTest, AServerDyingMidCommandEndsTesselAtOnceWithTheBadReplyCode) {
+    auto server = std::make_unique<RouterPeer>();
+    ChildProcess tessel({TESSEL_BINARY, "--commands", server->Address(), "--timeout", "60",
+                         "ping"});
+    ASSERT_TRUE(server->Receive(kPatience));
+    const auto died = std::chrono::steady_clock::now();
+    server.reset();
+    EXPECT_EQ(tessel.Wait(kPatience), Code(ExitCode::BadReply)) << tessel.Err();
+    EXPECT_LT(std::chrono::steady_clock::now() - died, 20s);
+    EXPECT_NE(tessel.Err().find("may have run"), std::string::npos) << tessel.Err();
 }
 
 // Failures of this host, not of the server: a reader of standard output that has gone (SIGPIPE
@@ -431,45 +443,25 @@ TEST_F(TesselTest, DemoRunsToTheEnd) {
         << result.out;
 }
 
-// In-process: every command name reaches the server through its family's builders and comes
-// back as a reply the tool can show.
+// In-process: every command of the table, read from its JSON form as the tool reads it, reaches
+// the server through its family's builders and comes back as a reply the tool can show.
 TEST_F(TesselTest, EveryCommandIsRoutedToTheServer) {
-    const std::map<std::string, std::string> minimal = {
-        {"PlayCommand", R"({"players": []})"},
-        {"LiveCommand", R"({"players": {}})"},
-        {"ChainCommand", R"({"players": {}})"},
-        {"DialCommand", R"({"players": []})"},
-        {"StepCommand", R"({"players": []})"},
-        {"SyncCommand", R"({"sourcePlayer": "player:1:0", "players": []})"},
-        {"LoadClipsCommand", R"({"playersParameters": {}})"},
-        {"LoadSequencesCommand", R"({"playersParameters": {}})"},
-        {"SetLoadBoundariesCommand", R"({"playersParameters": {}})"},
-        {"GoIdleCommand", R"({"players": []})"},
-        {"StartRecordingCommand", R"({"recorders": []})"},
-        {"StopRecordingCommand", R"({"recorders": []})"},
-        {"SetMultiviewerDataCommand", R"({"playersDataOverrides": {}})"},
-        {"DeleteClipsCommand", R"({"clips": []})"},
-        {"CreateClipsCommand", R"({"clips": []})"},
-        {"UpdateClipsCommand", R"({"clips": []})"},
-        {"DeleteAnglesGroupCommand", R"({"groupGuid": "none"})"},
-        {"UpdateAnglesGroupCommand", R"({"groupGuid": "none"})"},
-        {"CreateAnglesGroupCommand", R"({"creationParams": {"clips": []}})"},
-        {"CreatePlaylistsCommand", R"({"playlists": []})"},
-        {"DeletePlaylistsCommand", R"({"playlists": []})"},
-        {"UpdatePlaylistsCommand", R"({"params": []})"},
-    };
     Plexis::Tessel::Cli::ConnectionSettings settings;
     settings.commandEndpoint = simulator.CommandEndpoint();
     settings.timeout = kPatience;
     Plexis::Tessel::Cli::Session session(settings);
     std::set<std::string> families;
-    const auto names = Plexis::Tessel::Json::CommandNames();
-    ASSERT_EQ(names.size(), 30u);
-    for (const auto& name : names) {
+    Plexis::Tessel::Client::ForEachCommand([&](auto* type) {
+        using Params = std::remove_pointer_t<decltype(type)>;
+        const std::string name(Plexis::Tessel::Client::CommandTraits<Params>::kName);
         SCOPED_TRACE(name);
-        const auto found = minimal.find(name);
+        Params given;
+        given.commandGuid = Plexis::Data::Guid("every-" + name);
+        if constexpr (std::is_same_v<Params, Commands::SyncCommandParams>) {
+            given.sourcePlayer = Plexis::Data::Channels::Guid::PlayerOf(1, 0);  // needs a source
+        }
         const auto params = Plexis::Tessel::Json::CommandParamsFromJson(
-            name, found == minimal.end() ? "{}" : found->second);
+            name, Plexis::Tessel::Json::CommandParamsToJson(given));
         families.insert(Plexis::Tessel::Cli::FamilyOf(name, *params).name);
         const auto replies = session.Call(name, *params);
         ASSERT_FALSE(replies.empty());
@@ -477,12 +469,11 @@ TEST_F(TesselTest, EveryCommandIsRoutedToTheServer) {
         std::ostringstream shown;
         Plexis::Tessel::Cli::PrintReadable(replies, shown);
         EXPECT_FALSE(shown.str().empty());
-    }
+    });
     EXPECT_EQ(families, (std::set<std::string>{"channel", "data"}));
 }
 
 TEST(TesselProgressTest, ShowsPartsOnlyWhenEnabledAndErasesTheLine) {
-    namespace Commands = Plexis::Tessel::HighLevelOperations::Commands;
     Commands::GetClipsCommandReply part;
     part.clips.resize(3);
     Commands::GetClipsCommandReply last;

@@ -1,13 +1,18 @@
 #pragma once
 
 // What the fault tests share: a command client with the data builders over the ZeroMQ messenger,
-// transport settings that notice faults quickly, and bounded waits.
+// transport settings that notice faults quickly, the bytes of a notification and a record of its
+// deliveries, and what a process uses, read from /proc.
+// Bounded waits (`Eventually`, `kPatience`) come from support/Waiting.h.
 
 #include <atomic>
 #include <chrono>
+#include <condition_variable>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <string>
+#include <vector>
 
 #include "support/RecordingLogger.h"
 #include "support/SimulatorSession.h"
@@ -50,17 +55,27 @@ inline Commands::PingCommandParams Ping() {
 /// Whether a ping sent on `client` is answered with a success for that very ping within `limit`.
 bool PingAnswered(CommandClient& client, std::chrono::milliseconds limit = kPatience);
 
-/// Checks `condition` until it holds, at most `limit`; whether it did. For what no event tells,
-/// such as a count in a log.
-bool Eventually(const std::function<bool()>& condition,
-                std::chrono::milliseconds limit = kPatience);
 
-/// How many records of `log` contain `text`.
-int CountLogged(const RecordingLogger& log, const std::string& text);
+/// The payload of "server `id` added", its name padded to at least `nameBytes`.
+std::string ServerAdded(int id, std::size_t nameBytes = 0);
 
-}  // namespace Korvo::Testing
+/// The ids of the "server added" notifications a client delivered, in order.
+class Deliveries {
+public:
+    /// Adds the recording callback to `client`'s list.
+    void Attach(Plexis::Tessel::Client::NotificationClient& client);
 
-namespace Korvo::Testing {
+    void Add(int id);
+    bool WaitFor(const std::function<bool(const std::vector<int>&)>& condition,
+                 std::chrono::milliseconds limit = kPatience);
+    bool WaitForId(int id, std::chrono::milliseconds limit = kPatience);
+    std::size_t Count();
+
+private:
+    std::mutex mutex;
+    std::condition_variable changed;
+    std::vector<int> ids;
+};
 
 /// How long each hostile peer of the attack tests keeps going: KORVO_ATTACK_SECONDS when set
 /// (scripts/soak.sh sets 60), otherwise 2 seconds, which is what CI runs.

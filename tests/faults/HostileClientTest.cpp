@@ -18,32 +18,18 @@ namespace {
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
-std::string Encoded(const std::string& name, const Commands::CommandParams& params) {
-    const auto payload =
-        Plexis::Tessel::Client::DataCommandParamsPayloadBuilder().BuildPayload(name, params);
-    return std::string(reinterpret_cast<const char*>(payload->Pointer()), payload->Size());
-}
-
 // Sends clip listings as fast as the simulator takes them and reads nothing: its receive queue and
 // kernel buffer are as small as they go, so every reply stays on the simulator's side.
 void ListWithoutReading(const std::string& endpoint, const std::atomic<bool>& stop) {
-    zmq::context_t context;
-    zmq::socket_t socket(context, zmq::socket_type::dealer);
-    socket.set(zmq::sockopt::linger, 0);
-    socket.set(zmq::sockopt::rcvhwm, 1);
-    socket.set(zmq::sockopt::rcvbuf, 4096);
-    socket.connect(endpoint);
+    DealerPeer peer(endpoint, /*slow=*/true);
     const std::string payload =
         Encoded("GetClipsCommand", NewParams<Commands::GetClipsCommandParams>());
-    for (std::int32_t ticket = 0; !stop; ++ticket) {
-        const std::string ticketBytes = TicketBytes(ticket);
-        if (!socket.send(zmq::buffer(ticketBytes),
-                         zmq::send_flags::dontwait | zmq::send_flags::sndmore)) {
+    for (std::int32_t ticket = 0; !stop;) {
+        if (peer.TrySend({TicketBytes(ticket), "GetClipsCommand", payload})) {
+            ++ticket;
+        } else {
             std::this_thread::sleep_for(1ms);
-            continue;
         }
-        socket.send(zmq::str_buffer("GetClipsCommand"), zmq::send_flags::sndmore);
-        socket.send(zmq::buffer(payload), zmq::send_flags::none);
     }
 }
 

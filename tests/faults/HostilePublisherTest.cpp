@@ -8,7 +8,7 @@
 #include <functional>
 #include <thread>
 
-#include "faults/NotificationPeers.h"
+#include "faults/FaultSupport.h"
 
 namespace Korvo::Testing {
 namespace {

@@ -6,7 +6,7 @@
 #include <numeric>
 #include <thread>
 
-#include "faults/NotificationPeers.h"
+#include "faults/FaultSupport.h"
 
 namespace Korvo::Testing {
 namespace {

@@ -8,7 +8,7 @@
 
 #include <Korvo/Common/Messaging/TransportException.h>
 
-#include "faults/NotificationPeers.h"
+#include "faults/FaultSupport.h"
 #include "messaging/FaultInjection.h"
 
 namespace Korvo::Testing {

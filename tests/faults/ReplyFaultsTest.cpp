@@ -1,10 +1,7 @@
 // Replies that come twice, late, for tickets nobody holds, or undecodable: each request ends
 // exactly once, with its own reply or a time-out, and the others never notice.
 
-#include <set>
-
 #include "faults/FaultSupport.h"
-#include "support/TextCommands.h"
 
 namespace Korvo::Testing {
 namespace {
@@ -112,50 +109,6 @@ TEST(ReplyFaultsTest, ALateReplyStillEndsATimedOutRequestAndIsDroppedOnceItsHand
     EXPECT_EQ(after->BuildReply(afterItem)->commandGuid, afterParams.commandGuid);
     // The abandoned request's reply was sent too (the server counts a reply just after sending it).
     EXPECT_TRUE(Eventually([&] { return server.GetStatistics().repliesSent == 3u; }));
-}
-
-TEST(ReplyFaultsTest, RepliesForUnknownTicketsAndAfterTheFinalOneAreDropped) {
-    RouterPeer server;
-    StateLog states;
-    auto client = std::make_unique<CommandClient>(
-        std::make_unique<Common::Messaging::Client::Messenger>(
-            Common::Messaging::EndPoint(server.Address()), QuickOptions(),
-            [&](ConnectionState state) { states.Record(state); }),
-        std::make_shared<TextPayloadBuilder>(), std::make_shared<TextReplyBuilder>());
-    ASSERT_TRUE(states.WaitFor(ConnectionState::Connected));
-    auto text = [](const Pending& pending, const Pending::Item& item) {
-        return static_cast<const TextReply&>(*pending.BuildReply(item)).text;
-    };
-
-    auto first = client->Request("Ping", TextParams("first"));
-    ASSERT_NE(first, nullptr);
-    const auto command = server.Receive();
-    ASSERT_TRUE(command);
-    const std::string& identity = (*command)[0];
-    const int ticket = TicketOf((*command)[1]);
-    server.Reply(identity, ticket + 1000, "Pong", "never asked");
-    server.Reply(identity, -5, "[part]Pong", "never asked either");
-    server.Reply(identity, ticket, "[part]Pong", "part");
-    server.Reply(identity, ticket, "Pong", "final");
-    server.Reply(identity, ticket, "Pong", "duplicate");
-    server.Reply(identity, ticket, "[part]Pong", "part after the final");
-
-    auto second = client->Request("Ping", TextParams("second"));
-    ASSERT_NE(second, nullptr);
-    const auto secondCommand = server.Receive();
-    ASSERT_TRUE(secondCommand);
-    server.Reply(identity, TicketOf((*secondCommand)[1]), "Pong", "second");
-
-    auto item = first->Next(kPatience);
-    ASSERT_EQ(item.kind, Kind::Partial);
-    EXPECT_EQ(text(*first, item), "part");
-    item = first->Next(kPatience);
-    ASSERT_EQ(item.kind, Kind::Final);
-    EXPECT_EQ(text(*first, item), "final");
-    EXPECT_THROW(first->Next(0ms), std::logic_error);
-    item = second->Next(kPatience);
-    ASSERT_EQ(item.kind, Kind::Final);
-    EXPECT_EQ(text(*second, item), "second");
 }
 
 }  // namespace

@@ -7,8 +7,6 @@
 #include <csignal>
 #include <cstdio>
 
-#include <Korvo/Plexis/Tessel/Client/DataCommandParamsPayloadBuilder.h>
-
 #include "faults/FaultSupport.h"
 #include "faults/SimulatorProcess.h"
 
@@ -17,36 +15,20 @@ namespace {
 
 using namespace Plexis::Tessel::Client;
 
-// A client that sends GetClipsCommand as fast as its socket takes it and never reads a reply.
-class GreedyPeer {
-public:
-    explicit GreedyPeer(const std::string& endpoint) : socket(context, zmq::socket_type::dealer) {
-        socket.set(zmq::sockopt::linger, 0);
-        socket.connect(endpoint);
-        Commands::GetClipsCommandParams params;
-        params.commandGuid = Plexis::Data::Guid("soak-greedy");
-        auto bytes = DataCommandParamsPayloadBuilder().BuildPayload("GetClipsCommand", params);
-        payload.assign(reinterpret_cast<const char*>(bytes->Pointer()), bytes->Size());
-    }
-
-    // Sends until `deadline`; how many requests went out.
-    long Flood(std::chrono::steady_clock::time_point deadline) {
-        long sent = 0;
-        while (std::chrono::steady_clock::now() < deadline) {
-            const auto ticket = TicketBytes(static_cast<int>(sent));
-            socket.send(zmq::buffer(ticket), zmq::send_flags::sndmore);
-            socket.send(zmq::str_buffer("GetClipsCommand"), zmq::send_flags::sndmore);
-            socket.send(zmq::buffer(payload), zmq::send_flags::none);
-            ++sent;
+// A client that sends GetClipsCommand as fast as its socket takes it until `deadline` and never
+// reads a reply.
+void ListGreedily(const std::string& endpoint, std::chrono::steady_clock::time_point deadline) {
+    DealerPeer peer(endpoint);
+    const std::string payload =
+        Encoded("GetClipsCommand", NewParams<Commands::GetClipsCommandParams>());
+    for (int ticket = 0; std::chrono::steady_clock::now() < deadline;) {
+        if (peer.TrySend({TicketBytes(ticket), "GetClipsCommand", payload})) {
+            ++ticket;
+        } else {
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
         }
-        return sent;
     }
-
-private:
-    zmq::context_t context;
-    zmq::socket_t socket;
-    std::string payload;
-};
+}
 
 struct Peak {
     long long resident = 0;
@@ -87,7 +69,7 @@ TEST(SoakTest, EveryFaultAtOnceKeepsBothSidesBoundedAndTheServerAnswering) {
                 });
         }
         const auto deadline = std::chrono::steady_clock::now() + duration;
-        std::thread greedy([&] { GreedyPeer(simulator.CommandEndpoint()).Flood(deadline); });
+        std::thread greedy([&] { ListGreedily(simulator.CommandEndpoint(), deadline); });
         std::thread pinger([&] {
             while (std::chrono::steady_clock::now() < deadline) {
                 auto pending = commands->Request("PingCommand", Ping());

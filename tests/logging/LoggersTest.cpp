@@ -36,18 +36,23 @@ TEST(Loggers, WithoutFactoryEveryLoggerIsEmptyAndNothingIsKept) {
     EXPECT_EQ(counting->created, 1);
 }
 
-TEST(Loggers, SameNameGivesSameLoggerAndAsksTheFactoryOnce) {
+TEST(Loggers, ALoggerIsMadeOncePerNameAndOutlivesAReplacedFactory) {
     FreshLoggers registry;
     auto factory = std::make_unique<RecordingLoggerFactory>();
-    auto* counting = factory.get();
+    auto* first = factory.get();
     registry.SetLoggerFactory(std::move(factory));
+    auto kept = registry.GetLogger("CommandClient");
+    EXPECT_EQ(registry.GetLogger("CommandClient"), kept);
+    EXPECT_NE(registry.GetLogger("NotificationClient"), kept);
+    EXPECT_EQ(first->created, 2);
 
-    auto first = registry.GetLogger("CommandClient");
-    auto second = registry.GetLogger("CommandClient");
-    auto other = registry.GetLogger("NotificationClient");
-    EXPECT_EQ(first, second);
-    EXPECT_NE(first, other);
-    EXPECT_EQ(counting->created, 2);
+    factory = std::make_unique<RecordingLoggerFactory>();
+    auto* second = factory.get();
+    registry.SetLoggerFactory(std::move(factory));
+    EXPECT_EQ(registry.GetLogger("CommandClient"), kept);
+    EXPECT_EQ(second->created, 0);
+    registry.GetLogger("Simulator");
+    EXPECT_EQ(second->created, 1);
 }
 
 TEST(Loggers, LevelReachesLoggersMadeBeforeAndAfter) {
@@ -66,25 +71,6 @@ TEST(Loggers, LevelReachesLoggersMadeBeforeAndAfter) {
     EXPECT_EQ(registry.GetLogger("before")->GetLevel(), 10);
     registry.UpdateLoggersLevel();
     EXPECT_EQ(before->GetLevel(), 60);
-}
-
-TEST(Loggers, ReplacingTheFactoryKeepsLoggersAlreadyMade) {
-    FreshLoggers registry;
-    auto firstFactory = std::make_unique<RecordingLoggerFactory>();
-    registry.SetLoggerFactory(std::move(firstFactory));
-    auto kept = registry.GetLogger("CommandClient");
-
-    auto secondFactory = std::make_unique<RecordingLoggerFactory>();
-    auto* second = secondFactory.get();
-    registry.SetLoggerFactory(std::move(secondFactory));
-    EXPECT_EQ(registry.GetLogger("CommandClient"), kept);
-    EXPECT_EQ(second->created, 0);
-    registry.GetLogger("NotificationClient");
-    EXPECT_EQ(second->created, 1);
-}
-
-TEST(Loggers, ProgramInstanceIsOneObject) {
-    EXPECT_EQ(&Loggers::GetInstance(), &Loggers::GetInstance());
 }
 
 TEST(StandardErrorLoggerFactory, LineCarriesTimeLevelNameTextAndSource) {

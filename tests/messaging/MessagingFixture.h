@@ -72,13 +72,7 @@ protected:
     }
 
     /// How many messaging log records contain `text`.
-    int Logged(const std::string& text) const {
-        int count = 0;
-        for (const auto& record : log->Texts()) {
-            count += record.find(text) != std::string::npos ? 1 : 0;
-        }
-        return count;
-    }
+    int Logged(const std::string& text) const { return CountLogged(*log, text); }
 
     std::shared_ptr<RecordingLogger> log = RecordedLogger("Messaging", ILogger::Trace);
 };

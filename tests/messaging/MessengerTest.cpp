@@ -36,7 +36,7 @@ std::unique_ptr<Plexis::Tessel::Client::BaseMessage> NextReply(Messenger& messen
     return nullptr;
 }
 
-TEST_F(MessengerTest, CommandFramesArriveAsSentAndRepliesReachTheirHandles) {
+TEST_F(MessengerTest, CommandFramesArriveAsSentAndEachRequestEndsOnceWithItsOwnReplies) {
     RouterPeer server;
     auto client = ClientOver(MessengerTo(EndPoint(server.Address())));
     auto play = client->Request("PlayCommand", TextParams("speed=1"));
@@ -50,10 +50,13 @@ TEST_F(MessengerTest, CommandFramesArriveAsSentAndRepliesReachTheirHandles) {
     EXPECT_EQ(*first, (Frames{identity, std::string(4, '\0'), "PlayCommand", "speed=1"}));
     EXPECT_EQ(*second, (Frames{identity, std::string("\1\0\0\0", 4), "StopCommand", ""}));
 
-    // Out of order, with parts and a stray ticket between them.
+    // Out of order, with parts, stray tickets and replies after a final one between them.
     server.Reply(identity, 1, "Done", "stopped");
+    server.Reply(identity, 1, "Done", "duplicate");
+    server.Reply(identity, 1, "[part]Done", "part after the final");
     server.Reply(identity, 0, "[part]State", "one");
     server.Reply(identity, 77, "Done", "nobody asked");
+    server.Reply(identity, -5, "[part]State", "nobody asked either");
     server.Reply(identity, 0, "State", "two");
 
     auto stopped = NextOf(*stop);
@@ -66,6 +69,9 @@ TEST_F(MessengerTest, CommandFramesArriveAsSentAndRepliesReachTheirHandles) {
     auto last = NextOf(*play);
     ASSERT_EQ(last.kind, Kind::Final);
     EXPECT_EQ(TextOf(*play, last), "two");
+    EXPECT_THROW(stop->Next(milliseconds(0)), std::logic_error);  // nothing after the final
+    // The stray, duplicate and late replies were handled before "two", which came after them.
+    EXPECT_EQ(client->GetDroppedReplies().unanswerable, 4u);
 }
 
 TEST_F(MessengerTest, TicketsTravelAsSignedLittleEndianBytesAndAReplyEndsTheWaitAtOnce) {
@@ -179,44 +185,6 @@ TEST_F(MessengerTest, ShutDownInterruptsABlockedReceiveAndABlockedSend) {
     EXPECT_TRUE(states.WaitFor(ConnectionState::ShutDown));
 }
 
-TEST_F(MessengerTest, ServerRestartIsSurvivedAndNothingStaleIsDelivered) {
-    auto server = std::make_unique<RouterPeer>();
-    const std::string address = server->Address();
-    TransportOptions options = Options();
-    options.sendWait = milliseconds(200);
-    StateLog states;
-    auto client = ClientOver(MessengerTo(EndPoint(address), options, &states));
-    ASSERT_TRUE(states.WaitFor(ConnectionState::Connected));
-
-    auto answered = client->Request("Ping", TextParams("before"));
-    auto command = server->Receive();
-    ASSERT_TRUE(command);
-    server->Reply((*command)[0], answered->GetRequestId(), "Pong", "before");
-    EXPECT_EQ(TextOf(*answered, NextOf(*answered)), "before");
-
-    auto inFlight = client->Request("Ping", TextParams("in flight"));
-    ASSERT_TRUE(server->Receive());  // the server has it and goes down before answering
-    server.reset();
-    ASSERT_TRUE(states.WaitFor(ConnectionState::Reconnecting));
-
-    // The command sent before the loss ends at once; one sent while the link is known to be down
-    // is not kept for later and says so at once.
-    EXPECT_EQ(inFlight->Next(kPatience).kind, Kind::LinkLost);
-    auto duringOutage = client->Request("Ping", TextParams("during outage"));
-    ASSERT_NE(duringOutage, nullptr);
-    EXPECT_EQ(duringOutage->Next(milliseconds(0)).kind, Kind::NotSent);
-    EXPECT_EQ(Logged("Send: command Ping (ticket 2) not sent: the link to"), 1);
-
-    server = std::make_unique<RouterPeer>(address);
-    ASSERT_TRUE(states.WaitFor(ConnectionState::Connected, 2));
-    auto after = client->Request("Ping", TextParams("after"));
-    command = server->Receive();
-    ASSERT_TRUE(command);
-    EXPECT_EQ((*command)[3], "after");  // the first thing the new server hears
-    server->Reply((*command)[0], after->GetRequestId(), "Pong", "after");
-    EXPECT_EQ(TextOf(*after, NextOf(*after)), "after");
-}
-
 TEST_F(MessengerTest, MalformedRepliesAreDroppedAndLogged) {
     RouterPeer server;
     auto client = ClientOver(MessengerTo(EndPoint(server.Address())));
@@ -233,9 +201,6 @@ TEST_F(MessengerTest, MalformedRepliesAreDroppedAndLogged) {
     ASSERT_EQ(reply.kind, Kind::Final);
     EXPECT_EQ(TextOf(*pending, reply), "well formed");
     EXPECT_EQ(Logged("Receive: dropped a malformed reply"), 3);
-    EXPECT_EQ(Logged("(a ticket frame of 3 bytes instead of 4)"), 1);
-    EXPECT_EQ(Logged("(2 frames instead of 3)"), 1);
-    EXPECT_EQ(Logged("(4 frames instead of 3)"), 1);
 }
 
 TEST_F(MessengerTest, CurveWithTheServersKeyTalksAndWithAnotherKeyNothingGetsThrough) {

@@ -75,43 +75,25 @@ TEST_F(SimulatorCommandsTest, ListingsDescribeTheSeededSystem) {
     auto ping = NewParams<Commands::PingCommandParams>();
     EXPECT_EQ(session.AskData("PingCommand", ping).Final<Commands::SuccessReply>().commandGuid,
               ping.commandGuid);
-
-    const auto servers = session.AskData("GetServersCommand",
-                                         NewParams<Commands::GetServersCommandParams>());
-    const auto& serverList = servers.Final<Commands::GetServersCommandReply>().servers;
-    ASSERT_EQ(serverList.size(), 2u);
-    EXPECT_EQ(serverList[0].name, "replay-1");
-    EXPECT_EQ(serverList[1].serverId, 2);
-    EXPECT_EQ(serverList[0].channelCount, 6);
-    EXPECT_TRUE(serverList[0].isLocal);
-
-    const auto channels = session.AskChannel("GetChannelsCommand",
-                                             NewParams<Commands::GetChannelsCommandParams>());
+    const auto servers =
+        session.AskData("GetServersCommand", NewParams<Commands::GetServersCommandParams>());
+    EXPECT_EQ(servers.Final<Commands::GetServersCommandReply>().servers.size(), 2u);
+    const auto channels =
+        session.AskChannel("GetChannelsCommand", NewParams<Commands::GetChannelsCommandParams>());
     const auto& states = channels.Final<Commands::GetChannelsCommandReply>();
     EXPECT_EQ(states.playerStates.size(), 8u);
     EXPECT_EQ(states.recorderStates.size(), 4u);
-    EXPECT_EQ(states.playerStates.at(kPlayer).channelName, "Player 1");
-    EXPECT_EQ(states.playerStates.at(kPlayer).playMode, 0);
-    EXPECT_EQ(states.recorderStates.at(kRecorder).channelNumber, 4);
-    EXPECT_FALSE(states.recorderStates.at(kRecorder).isRecording);
-
-    const auto trains = session.AskData("GetTrainsCommand", NewParams<Commands::GetTrainsCommandParams>());
-    const auto& trainList = trains.Final<Commands::GetTrainsCommandReply>().trains;
-    ASSERT_EQ(trainList.size(), 4u);
-    EXPECT_EQ(trainList[0].recorderName, "replay-1/Recorder 1");
-
+    const auto trains =
+        session.AskData("GetTrainsCommand", NewParams<Commands::GetTrainsCommandParams>());
+    EXPECT_EQ(trains.Final<Commands::GetTrainsCommandReply>().trains.size(), 4u);
     const auto clips = Clips();
     ASSERT_EQ(clips.size(), 50u);
-    const auto& clip = clips.front();
-    EXPECT_EQ(clip.umId.size(), 64u);
-    EXPECT_LT(clip.inBoundField, clip.outBoundField);
-    EXPECT_TRUE(clip.intraEssence && clip.longGopEssence && clip.lowResEssence && clip.rating);
-
+    EXPECT_LT(clips.front().inBoundField, clips.front().outBoundField);
     const auto groups = session.AskData("GetAnglesGroupsCommand",
                                         NewParams<Commands::GetAnglesGroupsCommandParams>());
     EXPECT_EQ(groups.Final<Commands::GetAnglesGroupsCommandReply>().anglesGroups.size(), 3u);
-    const auto playlists = session.AskData("GetPlaylistsCommand",
-                                           NewParams<Commands::GetPlaylistsCommandParams>());
+    const auto playlists =
+        session.AskData("GetPlaylistsCommand", NewParams<Commands::GetPlaylistsCommandParams>());
     const auto& playlistList = playlists.Final<Commands::GetPlaylistsCommandReply>().playlists;
     ASSERT_EQ(playlistList.size(), 3u);
     EXPECT_EQ(playlistList[0].audioVideoTrack.elements->size(), 3u);

@@ -89,6 +89,15 @@ private:
     std::vector<LogRecord> records;
 };
 
+/// How many records of `log` contain `text`.
+inline int CountLogged(const RecordingLogger& log, const std::string& text) {
+    int count = 0;
+    for (const auto& record : log.Texts()) {
+        count += record.find(text) != std::string::npos ? 1 : 0;
+    }
+    return count;
+}
+
 /// Makes RecordingLoggers and counts how often it was asked.
 class RecordingLoggerFactory final : public Plexis::Tessel::Logging::ILoggerFactory {
 public:

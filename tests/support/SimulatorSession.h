@@ -22,6 +22,8 @@
 #include <Korvo/Plexis/Tessel/Client.h>
 #include <Korvo/Plexis/Tessel/Simulator/Simulator.h>
 
+#include "support/Waiting.h"
+
 namespace Korvo::Testing {
 
 namespace Commands = Plexis::Tessel::HighLevelOperations::Commands;
@@ -31,7 +33,7 @@ using Plexis::Tessel::Client::NotificationClient;
 using Plexis::Tessel::Simulator::Simulator;
 using Plexis::Tessel::Simulator::SimulatorOptions;
 
-inline constexpr std::chrono::seconds kSessionPatience{30};
+inline constexpr auto kSessionPatience = kPatience;
 
 /// Copies of every notification received, by argument class, for tests to wait on.
 class Inbox {
@@ -109,19 +111,6 @@ struct Answer {
     }
 };
 
-/// Polls `condition` until it holds, for up to the session's patience; whether it did.
-template <class Condition>
-bool Eventually(Condition condition) {
-    const auto deadline = std::chrono::steady_clock::now() + kSessionPatience;
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > deadline) {
-            return false;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
-    return true;
-}
-
 /// Parameters of class `P` with a fresh command identifier.
 template <class P>
 P NewParams() {
@@ -129,6 +118,13 @@ P NewParams() {
     P params;
     params.commandGuid = Plexis::Data::Guid("test-command-" + std::to_string(++counter));
     return params;
+}
+
+/// The payload bytes of data command `name` with `params`, as they travel.
+inline std::string Encoded(const std::string& name, const Commands::CommandParams& params) {
+    const auto payload =
+        Plexis::Tessel::Client::DataCommandParamsPayloadBuilder().BuildPayload(name, params);
+    return std::string(reinterpret_cast<const char*>(payload->Pointer()), payload->Size());
 }
 
 class SimulatorSession {

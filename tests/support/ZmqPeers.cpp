@@ -39,6 +39,19 @@ void SendFrames(zmq::socket_t& socket, const Frames& frames) {
     }
 }
 
+std::optional<Frames> ReceiveFrames(zmq::socket_t& socket, std::chrono::milliseconds limit) {
+    socket.set(zmq::sockopt::rcvtimeo, static_cast<int>(limit.count()));
+    Frames frames;
+    zmq::message_t part;
+    do {
+        if (!socket.recv(part)) {
+            return std::nullopt;
+        }
+        frames.push_back(part.to_string());
+    } while (part.more());
+    return frames;
+}
+
 }  // namespace
 
 RouterPeer::RouterPeer(const std::string& bindAddress, const std::string& curveSecretKey)
@@ -54,16 +67,7 @@ RouterPeer::RouterPeer(const std::string& bindAddress, const std::string& curveS
 }
 
 std::optional<Frames> RouterPeer::Receive(std::chrono::milliseconds limit) {
-    socket.set(zmq::sockopt::rcvtimeo, static_cast<int>(limit.count()));
-    Frames frames;
-    zmq::message_t part;
-    do {
-        if (!socket.recv(part)) {
-            return std::nullopt;
-        }
-        frames.push_back(part.to_string());
-    } while (part.more());
-    return frames;
+    return ReceiveFrames(socket, limit);
 }
 
 void RouterPeer::Send(const Frames& frames) {
@@ -85,6 +89,35 @@ long RouterPeer::Flood(const Frames& frames, std::chrono::milliseconds duration,
         }
     }
     return sent;
+}
+
+DealerPeer::DealerPeer(const std::string& endpoint, bool slow)
+    : socket(context, zmq::socket_type::dealer) {
+    socket.set(zmq::sockopt::linger, 0);
+    if (slow) {
+        socket.set(zmq::sockopt::rcvhwm, 1);
+        socket.set(zmq::sockopt::rcvbuf, 4096);
+    }
+    socket.connect(endpoint);
+}
+
+void DealerPeer::Send(const Frames& frames) {
+    SendFrames(socket, frames);
+}
+
+bool DealerPeer::TrySend(const Frames& frames) {
+    // Once the first frame of a message is taken, ZeroMQ takes the rest.
+    if (!socket.send(zmq::buffer(frames[0]), zmq::send_flags::dontwait |
+                                                 (frames.size() > 1 ? zmq::send_flags::sndmore
+                                                                    : zmq::send_flags::none))) {
+        return false;
+    }
+    SendFrames(socket, Frames(frames.begin() + 1, frames.end()));
+    return true;
+}
+
+Frames DealerPeer::Receive(std::chrono::milliseconds limit) {
+    return ReceiveFrames(socket, limit).value_or(Frames{});
 }
 
 PublisherPeer::PublisherPeer(int sendHighWaterMark, bool waitForRoom)

@@ -14,12 +14,12 @@
 
 #include <Korvo/Common/Messaging/ConnectionState.h>
 
+#include "support/Waiting.h"
+
 namespace Korvo::Testing {
 
 using Common::Messaging::ConnectionState;
 using Frames = std::vector<std::string>;
-
-inline constexpr std::chrono::milliseconds kPatience{30000};
 
 /// The four bytes of `ticket` as they travel: signed 32-bit, least significant byte first.
 std::string TicketBytes(int ticket);
@@ -58,6 +58,27 @@ private:
     zmq::context_t context;
     zmq::socket_t socket;
     std::string address;
+};
+
+/// A client's command socket: a DEALER connected to `endpoint`, to send what the library's clients
+/// never would. One made `slow` takes as little as it can until it reads, so that replies pile up
+/// on the server's side. Used from one thread at a time.
+class DealerPeer {
+public:
+    explicit DealerPeer(const std::string& endpoint, bool slow = false);
+
+    /// Sends `frames` as one message, waiting for room.
+    void Send(const Frames& frames);
+
+    /// Sends `frames` as one message if there is room now; false, sending nothing, otherwise.
+    bool TrySend(const Frames& frames);
+
+    /// The next message's frames; empty when none came within `limit`.
+    Frames Receive(std::chrono::milliseconds limit = kPatience);
+
+private:
+    zmq::context_t context;
+    zmq::socket_t socket;
 };
 
 /// A server's notification socket: an XPUB bound to a free loopback port, which sees the

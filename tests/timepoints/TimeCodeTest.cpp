@@ -114,11 +114,6 @@ TEST(TimeCode, DateTimeToSampleCountsFramesFromTheFirstDayOf1900) {
     EXPECT_EQ(count(25, false, 2000, 3, 1, 0, 0), (100 * 365 + 24 + 60) * 86400LL * 25 + 132);
 }
 
-TEST(TimeCode, ClipDefaultIsSampleZeroAt50NonDropBuiltOnce) {
-    EXPECT_EQ(TimeCode::DefaultForClip(), TimeCode(50, 1, 0, false, true));
-    EXPECT_EQ(&TimeCode::DefaultForClip(), &TimeCode::DefaultForClip());
-}
-
 TEST(TimeCodeBuilder, BuildCountsFromTheDateOrFromMidnight) {
     TimeCodeBuilder builder;
     builder.day = 2;

@@ -40,8 +40,9 @@ public:
         /// charged its header and payload plus 512 bytes). A reply that arrives while nothing
         /// waits is always taken, so one request holds at most this or one reply, whichever is
         /// larger. A reply that would go beyond it ends the request with `Overflowed`, discards
-        /// what waited, and the server's further replies to it are dropped and counted.
-        std::size_t waitingReplyBytes = 8u << 20;
+        /// what waited, and the server's further replies to it are dropped and counted. The
+        /// default holds a listing of 100,000 clips even when nothing reads it until it is whole.
+        std::size_t waitingReplyBytes = std::size_t{64} << 20;
     };
 
     /// Replies the reception thread dropped, by cause, since the client was made.
@@ -126,9 +127,9 @@ private:
     std::thread receptionThread;
     const Limits limits;
     std::uint64_t linkLossesSeen = 0;  // the reception thread's
-    std::atomic<std::uint64_t> droppedUnanswerable{0};
-    std::atomic<std::uint64_t> droppedMisaddressed{0};
-    std::atomic<std::uint64_t> droppedOverBudget{0};
+    // What the reception thread dropped, and its rate-limited logs: this client's own.
+    struct Drops;
+    std::unique_ptr<Drops> drops;
     // Serialises the cancel-and-shut-down step of Stop between an application thread and the
     // reception thread stopping the client after a transport failure. Never held while joining.
     std::mutex stopMutex;

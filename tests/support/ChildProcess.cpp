@@ -1,17 +1,15 @@
-#include "cli/ChildProcess.h"
+#include "support/ChildProcess.h"
 
 #include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
-#include <spawn.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
 #include <stdexcept>
-
-extern char** environ;
 
 namespace Korvo::Testing {
 
@@ -31,39 +29,58 @@ int ExitCodeOf(int status) {
 
 }  // namespace
 
-ChildProcess::ChildProcess(const std::vector<std::string>& arguments, const std::string& input) {
-    int inPipe[2] = {-1, -1};
-    int outPipe[2] = {-1, -1};
-    int errPipe[2] = {-1, -1};
-    if (::pipe2(inPipe, O_CLOEXEC) != 0 || ::pipe2(outPipe, O_CLOEXEC) != 0 ||
-        ::pipe2(errPipe, O_CLOEXEC) != 0) {
-        ClosePipe(inPipe);
-        ClosePipe(outPipe);
-        ClosePipe(errPipe);
-        throw std::runtime_error(std::string("pipe: ") + std::strerror(errno));
-    }
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, inPipe[0], STDIN_FILENO);
-    posix_spawn_file_actions_adddup2(&actions, outPipe[1], STDOUT_FILENO);
-    posix_spawn_file_actions_adddup2(&actions, errPipe[1], STDERR_FILENO);
+ChildProcess::ChildProcess(const std::vector<std::string>& arguments, const std::string& input,
+                           bool captureErrors) {
+    // Everything the child needs is prepared before the fork: after it, in a process with other
+    // threads, only async-signal-safe calls are allowed.
     std::vector<char*> argv;
     for (const auto& argument : arguments) {
         argv.push_back(const_cast<char*>(argument.c_str()));
     }
     argv.push_back(nullptr);
-    const int failure = ::posix_spawn(&pid, argv[0], &actions, nullptr, argv.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
+    int inPipe[2] = {-1, -1};
+    int outPipe[2] = {-1, -1};
+    int errPipe[2] = {-1, -1};
+    if (::pipe2(inPipe, O_CLOEXEC) != 0 || ::pipe2(outPipe, O_CLOEXEC) != 0 ||
+        (captureErrors && ::pipe2(errPipe, O_CLOEXEC) != 0)) {
+        const int error = errno;
+        ClosePipe(inPipe);
+        ClosePipe(outPipe);
+        ClosePipe(errPipe);
+        throw std::runtime_error(std::string("pipe: ") + std::strerror(error));
+    }
+    const pid_t parent = ::getpid();
+    pid = ::fork();
+    if (pid == 0) {
+        // Die with the test process (a crash or an abort skips every destructor).
+        ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+        if (::getppid() != parent) {
+            ::_exit(127);
+        }
+        // dup2 clears close-on-exec on the copies.
+        ::dup2(inPipe[0], STDIN_FILENO);
+        ::dup2(outPipe[1], STDOUT_FILENO);
+        if (captureErrors) {
+            ::dup2(errPipe[1], STDERR_FILENO);
+        }
+        ::execv(argv[0], argv.data());
+        ::_exit(127);
+    }
+    const int error = errno;
     ::close(inPipe[0]);
     ::close(outPipe[1]);
-    ::close(errPipe[1]);
+    if (captureErrors) {
+        ::close(errPipe[1]);
+    }
     outFd = outPipe[0];
     errFd = errPipe[0];
-    if (failure != 0) {
-        ::close(inPipe[1]);
-        ::close(outFd);
-        ::close(errFd);
-        throw std::runtime_error("cannot start " + arguments[0] + ": " + std::strerror(failure));
+    if (pid < 0) {
+        for (int fd : {inPipe[1], outFd, errFd}) {
+            if (fd >= 0) {
+                ::close(fd);
+            }
+        }
+        throw std::runtime_error("cannot start " + arguments[0] + ": " + std::strerror(error));
     }
     // Small inputs fit the pipe's buffer; a child that exits early must not kill us with SIGPIPE.
     ::signal(SIGPIPE, SIG_IGN);
@@ -79,16 +96,37 @@ ChildProcess::ChildProcess(const std::vector<std::string>& arguments, const std:
 }
 
 ChildProcess::~ChildProcess() {
-    if (!exitCode && pid > 0) {
-        ::kill(pid, SIGKILL);
-        int status = 0;
-        ::waitpid(pid, &status, 0);
-    }
+    Kill();
     for (int fd : {outFd, errFd}) {
         if (fd >= 0) {
             ::close(fd);
         }
     }
+}
+
+void ChildProcess::Kill() {
+    if (exitCode || pid <= 0) {
+        return;
+    }
+    ::kill(pid, SIGKILL);  // also ends a stopped process
+    int status = 0;
+    while (::waitpid(pid, &status, 0) < 0 && errno == EINTR) {
+    }
+    exitCode = ExitCodeOf(status);
+}
+
+bool ChildProcess::Running() {
+    if (exitCode || pid <= 0) {
+        return false;
+    }
+    int status = 0;
+    pid_t reaped;
+    while ((reaped = ::waitpid(pid, &status, WNOHANG)) < 0 && errno == EINTR) {
+    }
+    if (reaped == pid) {
+        exitCode = ExitCodeOf(status);
+    }
+    return !exitCode;
 }
 
 bool ChildProcess::Pump(std::chrono::steady_clock::time_point deadline) {

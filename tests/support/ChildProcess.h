@@ -1,7 +1,7 @@
 #pragma once
 
-// A program run as a child process with its standard streams captured, bounded in time, and
-// killed and reaped by the destructor whatever happened.
+// A program run as a child process with its output captured, bounded in time, and killed and
+// reaped whatever happened: by the destructor, and by the kernel if the test process dies first.
 
 #include <sys/types.h>
 
@@ -13,11 +13,15 @@
 
 namespace Korvo::Testing {
 
+/// Use it from the thread that created it: the kernel ties the child's life to that thread.
 class ChildProcess {
 public:
     /// Starts `arguments[0]` with the rest as its arguments; `input` is written to its standard
-    /// input, which is then closed. Throws `std::runtime_error` when the program cannot start.
-    explicit ChildProcess(const std::vector<std::string>& arguments, const std::string& input = "");
+    /// input, which is then closed. Its standard error is captured too unless `captureErrors` is
+    /// false (then it is this process's). Throws `std::runtime_error` when no process can be made;
+    /// a program that cannot be run exits with code 127.
+    explicit ChildProcess(const std::vector<std::string>& arguments, const std::string& input = "",
+                          bool captureErrors = true);
 
     /// Kills the child if it still runs and reaps it.
     ~ChildProcess();
@@ -31,8 +35,17 @@ public:
     std::optional<std::string> ReadLineUntil(const std::function<bool(const std::string&)>& accept,
                                              std::chrono::milliseconds limit);
 
-    /// Sends `signal` to the child.
+    /// Sends `signal` to the child while it runs.
     void Signal(int signal);
+
+    /// Kills it at once (SIGKILL: nothing is closed politely) and reaps it.
+    void Kill();
+
+    /// Whether it still runs (has neither exited nor died of a signal).
+    bool Running();
+
+    /// Its process id; -1 once reaped.
+    int Pid() const { return exitCode ? -1 : static_cast<int>(pid); }
 
     /// Reads both outputs to their end and reaps the child, within `limit`; its exit code (128 +
     /// the signal when a signal ended it), or -1 after killing it when the limit passed first.
@@ -64,6 +77,6 @@ struct RunResult {
 
 /// Runs the program to its end (or kills it after `limit`, exit code -1).
 RunResult RunProcess(const std::vector<std::string>& arguments, std::chrono::milliseconds limit,
-              const std::string& input = "");
+                     const std::string& input = "");
 
 }  // namespace Korvo::Testing

@@ -1,0 +1,138 @@
+// The subcommands that drive players: play, pause, step, load, idle.
+
+#include <cstdint>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/GoIdleCommandParams.h>
+#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/LoadClipsCommandParams.h>
+#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/PlayCommandParams.h>
+#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/StepCommandParams.h>
+
+#include "Errors.h"
+#include "Subcommands.h"
+#include "Text.h"
+
+namespace Korvo::Plexis::Tessel::Cli {
+
+namespace Commands = HighLevelOperations::Commands;
+using Data::Channels::Guid;
+
+namespace {
+
+// "N/D" or "N" as a speed fraction.
+std::pair<std::int32_t, std::int32_t> ParseSpeed(const std::string& text) {
+    const auto slash = text.find('/');
+    try {
+        std::size_t used = 0;
+        const int numerator = std::stoi(text.substr(0, slash), &used);
+        if (used != (slash == std::string::npos ? text.size() : slash)) {
+            throw std::invalid_argument(text);
+        }
+        int denominator = 1;
+        if (slash != std::string::npos) {
+            denominator = std::stoi(text.substr(slash + 1), &used);
+            if (used != text.size() - slash - 1 || denominator <= 0) {
+                throw std::invalid_argument(text);
+            }
+        }
+        return {numerator, denominator};
+    } catch (const std::logic_error&) {
+        throw CliError(ExitCode::Usage, "\"" + text +
+                                            "\" is not a speed: write N/D (1/1 normal, 1/2 half, "
+                                            "-1/1 backwards) or N");
+    }
+}
+
+struct PlayerOptions {
+    std::vector<std::string> players;  // play, pause, step, idle
+    std::string speed = "1/1";         // play
+    std::int32_t stepFields = 1;       // step
+    std::string loadPlayer;            // load
+    std::string loadClip;
+    std::int64_t loadAt = 0;
+    bool idleBlack = false;  // idle
+};
+
+CLI::Option* Players(CLI::App* command, std::vector<std::string>& texts) {
+    return command
+        ->add_option("players", texts, "Players: player:<server>:<channel> or <server>:<channel>")
+        ->required();
+}
+
+}  // namespace
+
+void AddPlayerCommands(CLI::App& app, Context& context) {
+    const auto options = std::make_shared<PlayerOptions>();
+    auto* play = Subcommand(app, "play", "Play players at a speed",
+                            {"tessel play 1:0", "tessel play player:1:0 player:1:1 --speed 1/2",
+                             "tessel play 1:0 --speed=-1/1"});
+    Players(play, options->players);
+    play->add_option("--speed", options->speed,
+                     "Speed as N/D (1/1 normal, 1/2 half, -1/1 backwards)")
+        ->capture_default_str();
+    On(play, context, [&context, options] {
+        auto params = NewParams<Commands::PlayCommandParams>();
+        params.players = ChannelSet(options->players, Guid::Player);
+        std::tie(params.speedNum, params.speedDen) = ParseSpeed(options->speed);
+        return context.Send("PlayCommand", params);
+    });
+
+    auto* pause = Subcommand(app, "pause", "Pause players (play at speed 0)",
+                             {"tessel pause 1:0", "tessel pause 1:0 1:1"});
+    Players(pause, options->players);
+    On(pause, context, [&context, options] {
+        auto params = NewParams<Commands::PlayCommandParams>();
+        params.players = ChannelSet(options->players, Guid::Player);
+        params.speedNum = 0;
+        return context.Send("PlayCommand", params);
+    });
+
+    auto* step = Subcommand(
+        app, "step", "Pause players and step them by fields",
+        {"tessel step 1:0", "tessel step 1:0 --fields 10", "tessel step 1:0 --fields=-25"});
+    Players(step, options->players);
+    step->add_option("--fields", options->stepFields, "Fields to step; negative steps back")
+        ->capture_default_str()
+        ->check(WholeInRange(kInt32Min, kInt32Max));
+    On(step, context, [&context, options] {
+        auto params = NewParams<Commands::StepCommandParams>();
+        params.players = ChannelSet(options->players, Guid::Player);
+        params.fieldCount = options->stepFields;
+        return context.Send("StepCommand", params);
+    });
+
+    auto* load = Subcommand(
+        app, "load", "Load a clip on a player, cued at its in point",
+        {"tessel load 1:0 <clip umId>", "tessel load player:1:0 <clip umId> --at 4500000"});
+    load->add_option("player", options->loadPlayer, "The player")->required();
+    load->add_option("clip", options->loadClip, "The clip's umId (see tessel clips)")->required();
+    load->add_option("--at", options->loadAt, "Cue at this time point (0: the in point)")
+        ->capture_default_str()
+        ->check(WholeInRange(kInt64Min, kInt64Max));
+    On(load, context, [&context, options] {
+        auto params = NewParams<Commands::LoadClipsCommandParams>();
+        Commands::LoadClipCommandParam what;
+        what.clip = Data::Guid(options->loadClip);
+        what.timepoint = options->loadAt;
+        params.playersParameters[ParseChannel(options->loadPlayer, Guid::Player)] = what;
+        return context.Send("LoadClipsCommand", params);
+    });
+
+    auto* idle = Subcommand(app, "idle", "Unload players",
+                            {"tessel idle 1:0", "tessel idle 1:0 1:1 --black"});
+    Players(idle, options->players);
+    idle->add_flag("--black", options->idleBlack, "Show black while idle");
+    On(idle, context, [&context, options] {
+        auto params = NewParams<Commands::GoIdleCommandParams>();
+        params.players = ChannelSet(options->players, Guid::Player);
+        params.setBlackScreen = options->idleBlack;
+        return context.Send("GoIdleCommand", params);
+    });
+}
+
+}  // namespace Korvo::Plexis::Tessel::Cli
