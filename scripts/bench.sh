@@ -14,7 +14,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 repetitions=${KORVO_BENCH_REPETITIONS:-5}
 out=${KORVO_BENCH_OUT:-build/release/bench-results}
-programs=(serialization_bench command_bench notification_bench idle_bench)
+programs=(serialization_bench command_bench connection_bench notification_bench idle_bench)
 
 if [[ "${1:-}" != --table-only ]]; then
     cmake --preset release >/dev/null
@@ -95,6 +95,25 @@ for key in sorted(k for k in results if k.startswith("RoundTripPaired/")):
         r = ratio(lib, zmq)
         target, ok = ("<= 1.30", r is not None and r <= 1.3) if metric == "p50_us" else (None, None)
         row(f"{key} (taking turns) {metric}: library / ZeroMQ", lib, zmq, r, target, ok)
+
+# Connection: typed calls completed by callbacks, against the bare DEALER in the same run.
+for key in sorted(k for k in results if k.startswith("ConnectionRoundTripPaired/")):
+    lib, zmq = (value(key, "Both", side + "_p50_us") for side in ("Library", "Zmq"))
+    r = ratio(lib, zmq)
+    row(f"{key} (taking turns) p50_us: Connection / ZeroMQ", lib, zmq, r, "<= 1.30",
+        r is not None and r <= 1.3)
+for key in sorted(k for k in results if k.startswith("ConnectionPipelined/")):
+    lib, zmq = value(key, "Library", "items_per_second"), value(key, "Zmq", "items_per_second")
+    r = ratio(lib, zmq)
+    row(f"{key} in flight, requests/s: Connection with callbacks / ZeroMQ", lib, zmq, r,
+        ">= 0.70", r is not None and r >= 0.7, digits=0)
+for key in sorted(k for k in results if k.startswith("ConnectionDialLag/")):
+    reply = value(key, "Library", "reply_us")
+    for metric in ("lag_p50_us", "lag_p99_us"):
+        lag = value(key, "Library", metric)
+        ok = lag is not None and reply is not None and lag <= reply + 1000
+        row(f"{key} {metric}: dial lane lag / server reply time (us)", lag, reply,
+            ratio(lag, reply), "<= reply + 1 ms", ok, digits=0)
 
 def inflight(key):
     return (key.split("/")[1], int(key.split("/")[2]))

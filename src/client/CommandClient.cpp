@@ -134,6 +134,12 @@ void CommandClient::JoinReceptionThread() {
 
 std::unique_ptr<PendingCommandReply> CommandClient::Request(
     const std::string& commandName, const HighLevelOperations::Commands::CommandParams& params) {
+    return Request(commandName, params, nullptr);
+}
+
+std::unique_ptr<PendingCommandReply> CommandClient::Request(
+    const std::string& commandName, const HighLevelOperations::Commands::CommandParams& params,
+    std::shared_ptr<ReplyListener> listener) {
     if (!requestMap || !requestMap->active.load()) {
         return nullptr;
     }
@@ -146,7 +152,7 @@ std::unique_ptr<PendingCommandReply> CommandClient::Request(
     }
 
     auto replies = std::make_shared<ReplyQueue>(params.commandGuid.GetValue(),
-                                                messenger->GetLinkLosses());
+                                                messenger->GetLinkLosses(), std::move(listener));
     int requestId = 0;
     // Registered and sent within one admission: Pause(true) and Stop wait for it, so no command
     // goes out once they have returned, and every registered request is theirs to cancel.
@@ -300,7 +306,7 @@ void CommandClient::Deliver(std::unique_ptr<BaseMessage> message) {
     // then land behind the end mark, where nobody reads it. Only this thread queues replies, so
     // their order is kept.
     replies->waitingBytes.fetch_add(charge);
-    replies->Push(std::move(message));
+    replies->Deliver(std::move(message));
 }
 
 void CommandClient::Pause(bool pause) {

@@ -27,7 +27,17 @@ bool ReplyQueue::End(Ending why) {
     }
     Close();
     Push(nullptr);
+    if (listener) {
+        listener->Ended();
+    }
     return true;
+}
+
+void ReplyQueue::Deliver(std::unique_ptr<BaseMessage> message) {
+    Push(std::move(message));
+    if (listener) {
+        listener->Queued();
+    }
 }
 
 void ReplyQueue::Discard() {

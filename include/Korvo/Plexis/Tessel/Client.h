@@ -49,6 +49,7 @@
 #include <Korvo/Plexis/Data/ComparedByFields.h>
 #include <Korvo/Plexis/Data/Guid.h>
 #include <Korvo/Plexis/Data/OperationStatus.h>
+#include <Korvo/Plexis/Data/ReadableValues.h>
 #include <Korvo/Plexis/Data/Sequences/AudioVideoElement.h>
 #include <Korvo/Plexis/Data/Sequences/AudioVideoTrack.h>
 #include <Korvo/Plexis/Data/Sequences/Element.h>
@@ -97,6 +98,7 @@
 #include <Korvo/Plexis/Tessel/Client/ChannelCommandReplyBuilder.h>
 #include <Korvo/Plexis/Tessel/Client/ChannelsCommandParamsPayloadBuilder.h>
 #include <Korvo/Plexis/Tessel/Client/CommandClient.h>
+#include <Korvo/Plexis/Tessel/Client/Connection.h>
 #include <Korvo/Plexis/Tessel/Client/CommandParamsPayloadBuilder.h>
 #include <Korvo/Plexis/Tessel/Client/CommandReplyBuilder.h>
 #include <Korvo/Plexis/Tessel/Client/CommandTypes.h>

@@ -88,6 +88,13 @@ public:
     std::unique_ptr<PendingCommandReply> Request(
         const std::string& commandName, const HighLevelOperations::Commands::CommandParams& params);
 
+    /// `Request`, and `listener` is told of every item queued on the handle (see
+    /// `ReplyListener`), so that nothing has to wait in `Next` for it. An item may be queued, and
+    /// the listener told, before this returns (`NotSent` always is).
+    std::unique_ptr<PendingCommandReply> Request(
+        const std::string& commandName, const HighLevelOperations::Commands::CommandParams& params,
+        std::shared_ptr<ReplyListener> listener);
+
     /// `Pause(true)` cancels every pending request and stops the reception thread, keeping the
     /// messenger open; `Pause(false)` starts a new reception thread. Each is a no-operation when
     /// already in that state, and `Pause(false)` does nothing once the client is stopped.

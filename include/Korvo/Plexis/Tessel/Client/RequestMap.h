@@ -14,6 +14,18 @@
 
 namespace Korvo::Plexis::Tessel::Client {
 
+/// Told when something is queued on one request's handle, for a caller that does not block a
+/// thread per request. `Queued` runs on the reception thread after a reply was queued, with no
+/// lock of the client held. `Ended` runs on whichever thread ends the request (see
+/// `PendingCommandReply::ItemKind`), possibly under the request map's mutex: it may only take
+/// locks of its own that it never holds while calling into the client.
+class ReplyListener {
+public:
+    virtual ~ReplyListener() = default;
+    virtual void Queued() = 0;
+    virtual void Ended() = 0;
+};
+
 /// The reply queue of one request, with what the reception thread checks against each reply:
 /// the command identifier the request was sent with, the link it went out on, and the bytes of
 /// the replies waiting in it. An empty item is the end mark; `GetEnding` says why it was queued.
@@ -25,8 +37,13 @@ public:
     ReplyQueue() = default;
     /// `commandGuid`: the identifier of the command sent; `linkLosses`: the messenger's count of
     /// lost links just before it was sent.
-    ReplyQueue(std::string commandGuid, std::uint64_t linkLosses)
-        : commandGuid(std::move(commandGuid)), linkLosses(linkLosses) {}
+    /// `listener`, when given, is told of every reply and ending queued.
+    ReplyQueue(std::string commandGuid, std::uint64_t linkLosses,
+               std::shared_ptr<ReplyListener> listener = nullptr)
+        : commandGuid(std::move(commandGuid)), linkLosses(linkLosses), listener(std::move(listener)) {}
+
+    /// Queues a reply and tells the listener. The reception thread's, under no lock.
+    void Deliver(std::unique_ptr<BaseMessage> message);
 
     /// Ends the request with `ending` unless it has ended already: sets the closed mark and queues
     /// the end mark. Returns whether this call ended it.
@@ -49,6 +66,7 @@ public:
 private:
     const std::string commandGuid;
     const std::uint64_t linkLosses = 0;
+    const std::shared_ptr<ReplyListener> listener;
     std::atomic<Ending> ending{Ending::None};
 };
 
