@@ -4,13 +4,12 @@
 #include <random>
 #include <stdexcept>
 
-#include <Korvo/Common/Messaging/Client/Messenger.h>
 #include <Korvo/Common/Messaging/EndPoint.h>
+#include <Korvo/Plexis/Tessel/Client/ZmqMessenger.h>
+#include <Korvo/Plexis/Tessel/Logging/Log.h>
 #include <Korvo/Plexis/Tessel/Logging/Loggers.h>
 
 #include "connection/JoinedBuilders.h"
-#include "logging/LogSupport.h"
-#include "logging/RateLimit.h"
 
 namespace Korvo::Plexis::Tessel::Client::Detail {
 
@@ -264,19 +263,16 @@ void OperationCore::Follow(Next next) {
     if (!setup.laneKey.empty()) {
         engine->LaneFinished(self);
     }
-    static Logging::RateLimit limit;
     const Outcome how = outcome.load();
     if (how != Outcome::Replied && how != Outcome::Cancelled) {
-        if (const auto admitted = limit.Admit()) {
-            Logging::LogComposed(
-                engine->logger, ILogger::Warning,
+        if (const auto admitted = engine->endedLog.Admit()) {
+            KORVO_LOG_COMPOSED(engine->logger, ILogger::Warning,
                 [&] {
                     return engine->options.name + ": " + std::string(setup.commandName) + " " +
                            params->commandGuid.GetValue() + " ended " + ToString(how) +
                            (reason.empty() ? "" : " (" + reason + ")") + "." +
                            Logging::Suppressed(*admitted);
-                },
-                kSource, __LINE__);
+                });
         }
     }
     if (setup.onDone) {
@@ -294,7 +290,7 @@ Engine::Engine(ConnectionOptions given)
     for (const auto& text : options.notificationEndPoints) {
         notificationEndPoints.push_back(EndPointWithKey(text, options.serverPublicKey));
     }
-    auto messenger = std::make_unique<Common::Messaging::Client::Messenger>(
+    auto messenger = std::make_unique<ZmqMessenger>(
         commands, options.transport, [this](ConnectionState now) { OnState(now); });
     thread = std::thread(&Engine::Run, this);
     try {
@@ -310,9 +306,7 @@ Engine::Engine(ConnectionOptions given)
         Close();
         throw;
     }
-    Logging::LogComposed(
-        logger, ILogger::Info, [&] { return options.name + ": started for " + commands.ToString() + "."; },
-        kSource, __LINE__);
+    KORVO_LOG_COMPOSED(logger, ILogger::Info, [&] { return options.name + ": started for " + commands.ToString() + "."; });
 }
 
 Engine::~Engine() { Close(); }
@@ -452,15 +446,13 @@ void Engine::OnState(ConnectionState now) {
         state.store(now);
     }
     stateChanged.notify_all();
-    static Logging::RateLimit limit;
-    if (const auto admitted = limit.Admit()) {
-        Logging::LogComposed(
-            logger, ILogger::Info,
+    
+    if (const auto admitted = stateLog.Admit()) {
+        KORVO_LOG_COMPOSED(logger, ILogger::Info,
             [&] {
                 return options.name + ": command link " + Common::Messaging::ToString(now) + "." +
                        Logging::Suppressed(*admitted);
-            },
-            kSource, __LINE__);
+            });
     }
     Post([this, now] {
         if (now == ConnectionState::Connected) {
@@ -498,15 +490,13 @@ void Engine::Run() {
                 try {
                     job();
                 } catch (const std::exception& error) {
-                    static Logging::RateLimit limit;
-                    if (const auto admitted = limit.Admit()) {
-                        Logging::LogComposed(
-                            logger, ILogger::Error,
+                    
+                    if (const auto admitted = callbackLog.Admit()) {
+                        KORVO_LOG_COMPOSED(logger, ILogger::Error,
                             [&] {
                                 return options.name + ": a callback threw (" + error.what() +
                                        ")." + Logging::Suppressed(*admitted);
-                            },
-                            kSource, __LINE__);
+                            });
                     }
                 } catch (...) {
                 }

@@ -26,6 +26,7 @@
 #include <Korvo/Plexis/Tessel/Client/Connection.h>
 #include <Korvo/Plexis/Tessel/Client/PendingCommandReply.h>
 #include <Korvo/Plexis/Tessel/Logging/ILogger.h>
+#include <Korvo/Plexis/Tessel/Logging/RateLimit.h>
 
 namespace Korvo::Plexis::Tessel::Client::Detail {
 
@@ -105,6 +106,9 @@ public:
 
     const ConnectionOptions options;
     std::shared_ptr<Logging::ILogger> logger;
+    // Rate limits of this connection's repeated log lines: operations ended short of a reply,
+    // link state changes, callbacks that threw.
+    Logging::RateLimit endedLog, stateLog, callbackLog;
     std::unique_ptr<CommandClient> client;
     std::unique_ptr<NotificationClient> notifications;
 
