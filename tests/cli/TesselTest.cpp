@@ -470,7 +470,7 @@ TEST_F(TesselTest, EveryCommandIsRoutedToTheServer) {
         const auto found = minimal.find(name);
         const auto params = Plexis::Tessel::Json::CommandParamsFromJson(
             name, found == minimal.end() ? "{}" : found->second);
-        families.insert(Plexis::Tessel::Cli::FamilyOf(name, *params).name);
+        families.insert(Plexis::Tessel::Cli::FamilyOf(name).name);
         const auto replies = session.Call(name, *params);
         ASSERT_FALSE(replies.empty());
         EXPECT_NE(Plexis::Tessel::Json::ReplyTypeNameOf(*replies.back()), "UnknownCommand");
