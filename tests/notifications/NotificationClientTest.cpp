@@ -113,13 +113,25 @@ TEST_F(NotificationClientTest, EveryTypeReachesItsListWholeThenItsFamilyWithItsE
         using Args = std::remove_pointer_t<decltype(type)>;
         using Traits = NotificationTraits<Args>;
         const std::string name(Traits::kName);
-        const auto sent = Samples::Filled<Args>();
-        (Locked().client->*Traits::kHandlers).push_back([this, name, sent](const Args& args) {
-            calls.Add(args == sent ? name : name + " (changed)");
+        auto sent = Samples::Filled<Args>();
+        if constexpr (std::is_same_v<Args, RecorderStateChangedEventArgs>) {
+            sent.channelGuid = Plexis::Data::Channels::Guid::RecorderOf(1, 2);
+        } else if constexpr (std::is_same_v<Args, PlayerStateChangedEventArgs>) {
+            sent.channelGuid = Plexis::Data::Channels::Guid::PlayerOf(1, 3);
+        }
+        const std::string bytes = Encoded(sent);
+        // What the record carries of `sent`: the arguments hold a few members it has no field for.
+        using Wire = Plexis::Tessel::Serialization::Thrift::Notifier::WireOf<Args>;
+        typename Wire::Record record;
+        Args carried;
+        ASSERT_TRUE(typename Wire::ToThrift().To(sent, record).success) << name;
+        ASSERT_TRUE(typename Wire::FromThrift().To(record, carried).success) << name;
+        (Locked().client->*Traits::kHandlers).push_back([this, name, carried](const Args& args) {
+            calls.Add(args == carried ? name : name + " (changed)");
         });
         expected.push_back(name);
         expected.push_back("family:" + std::to_string(Traits::kType));
-        Publish(name, Encoded(sent));
+        Publish(name, bytes);
     });
     ASSERT_TRUE(calls.WaitFor(expected.size()));
     EXPECT_EQ(calls.Entries(), expected);
