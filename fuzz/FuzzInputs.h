@@ -8,8 +8,11 @@
 #include <cstdint>
 #include <string>
 #include <tuple>
+#include <type_traits>
 #include <vector>
 
+#include <Korvo/Plexis/Tessel/Client/CommandTypes.h>
+#include <Korvo/Plexis/Tessel/Client/NotificationTypes.h>
 #include <Korvo/Plexis/Tessel/Serialization/Thrift/Commands/Converters.h>
 #include <Korvo/Plexis/Tessel/Serialization/Thrift/Notifier/Converters.h>
 #include <Korvo/Plexis/Tessel/Serialization/Thrift/Records/AnglesGroups.h>
@@ -25,15 +28,19 @@
 
 namespace Korvo::Fuzzing {
 
-/// Reply type names: every reply of the protocol, its unknown-command announcement, and each of
-/// them behind the "[part]" prefix, accepted or not.
+/// Reply type names: the type name of every reply of the protocol, its class name where that
+/// differs ("UnknownCommandReply", which names nothing), and each of them behind the "[part]"
+/// prefix, accepted or not.
 inline const std::vector<std::string>& ReplyTypeNames() {
     static const std::vector<std::string> names = [] {
-        std::vector<std::string> plain = {
-#define KORVO_FUZZ_REPLY_NAME(Domain, Wire) #Domain,
-            KORVO_TESSEL_REPLY_RECORDS(KORVO_FUZZ_REPLY_NAME)
-#undef KORVO_FUZZ_REPLY_NAME
-                "UnknownCommand"};
+        std::vector<std::string> plain;
+        Plexis::Tessel::Client::ForEachReply([&](auto* reply) {
+            using Traits = Plexis::Tessel::Client::ReplyTraits<std::remove_pointer_t<decltype(reply)>>;
+            plain.emplace_back(Traits::kName);
+            if (Traits::kClassName != Traits::kName) {
+                plain.emplace_back(Traits::kClassName);
+            }
+        });
         std::vector<std::string> all = plain;
         for (const std::string& name : plain) {
             all.push_back("[part]" + name);
@@ -45,12 +52,15 @@ inline const std::vector<std::string>& ReplyTypeNames() {
 
 /// Notification headers: every notification type, then two that name none.
 inline const std::vector<std::string>& NotificationHeaders() {
-    static const std::vector<std::string> headers = {
-#define KORVO_FUZZ_NOTIFICATION_NAME(Name, Family, Args) #Name,
-        KORVO_TESSEL_NOTIFICATIONS(KORVO_FUZZ_NOTIFICATION_NAME)
-#undef KORVO_FUZZ_NOTIFICATION_NAME
-            "",
-        "ServerAddedEventArgs"};
+    static const std::vector<std::string> headers = [] {
+        std::vector<std::string> all;
+        Plexis::Tessel::Client::ForEachNotification([&](auto* args) {
+            all.emplace_back(
+                Plexis::Tessel::Client::NotificationTraits<std::remove_pointer_t<decltype(args)>>::kName);
+        });
+        all.insert(all.end(), {"", "ServerAddedEventArgs"});
+        return all;
+    }();
     return headers;
 }
 

@@ -14,6 +14,7 @@
 #include <stdexcept>
 #include <string>
 #include <tuple>
+#include <type_traits>
 #include <vector>
 
 #include <Korvo/Common/Serialization/SerializerImpl.h>
@@ -75,11 +76,13 @@ void WriteReplies(Corpus corpus) {
     for (const auto& sample : Testing::SampleReplyPayloads()) {
         corpus.Write(sample.name, IndexOf(names, sample.name), sample.bytes);
     }
-    namespace Wire = Plexis::Tessel::Serialization::Thrift::Commands::Generated;
-#define KORVO_FUZZ_FILLED_REPLY(Domain, Record) \
-    corpus.Write("filled " #Domain, IndexOf(names, #Domain), FilledBytes<Wire::Record>());
-    KORVO_TESSEL_REPLY_RECORDS(KORVO_FUZZ_FILLED_REPLY)
-#undef KORVO_FUZZ_FILLED_REPLY
+    Plexis::Tessel::Client::ForEachReply([&](auto* reply) {
+        using Reply = std::remove_pointer_t<decltype(reply)>;
+        const std::string name(Plexis::Tessel::Client::ReplyTraits<Reply>::kName);
+        corpus.Write("filled " + name, IndexOf(names, name),
+                     FilledBytes<typename Plexis::Tessel::Serialization::Thrift::Commands::WireOf<
+                         Reply>::Record>());
+    });
     for (const auto& frame : Testing::HostileFrames()) {
         corpus.Write(frame.name, IndexOf(names, frame.replyType), frame.bytes);
     }
@@ -90,11 +93,13 @@ void WriteNotifications(Corpus corpus) {
     for (const auto& sample : Testing::SampleNotificationPayloads()) {
         corpus.Write(sample.name, IndexOf(headers, sample.name), sample.bytes);
     }
-    namespace Wire = Plexis::Tessel::Serialization::Thrift::Notifier::Generated;
-#define KORVO_FUZZ_FILLED_NOTIFICATION(Name, Family, Args) \
-    corpus.Write("filled " #Name, IndexOf(headers, #Name), FilledBytes<Wire::Name##EventArgs>());
-    KORVO_TESSEL_NOTIFICATIONS(KORVO_FUZZ_FILLED_NOTIFICATION)
-#undef KORVO_FUZZ_FILLED_NOTIFICATION
+    Plexis::Tessel::Client::ForEachNotification([&](auto* args) {
+        using Args = std::remove_pointer_t<decltype(args)>;
+        const std::string name(Plexis::Tessel::Client::NotificationTraits<Args>::kName);
+        corpus.Write("filled " + name, IndexOf(headers, name),
+                     FilledBytes<typename Plexis::Tessel::Serialization::Thrift::Notifier::WireOf<
+                         Args>::Record>());
+    });
     for (const auto& frame : Testing::HostileFrames()) {
         corpus.Write(frame.name, IndexOf(headers, "PlayerStateChanged"), frame.bytes);
     }

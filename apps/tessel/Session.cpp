@@ -19,6 +19,7 @@
 #include <Korvo/Plexis/Tessel/Client/ZmqMessenger.h>
 #include <Korvo/Plexis/Tessel/Client/ChannelCommandReplyBuilder.h>
 #include <Korvo/Plexis/Tessel/Client/ChannelsCommandParamsPayloadBuilder.h>
+#include <Korvo/Plexis/Tessel/Client/CommandTypes.h>
 #include <Korvo/Plexis/Tessel/Client/DataCommandParamsPayloadBuilder.h>
 #include <Korvo/Plexis/Tessel/Client/DataCommandReplyBuilder.h>
 
@@ -36,8 +37,7 @@ std::shared_ptr<Base> Make() {
     return std::make_shared<Builder>();
 }
 
-// The two families, in the order they are asked whether they know a name. The builders' own
-// tables decide: a name belongs to the family whose payload builder accepts it.
+// The two families, in the order of `Client::CommandFamily`.
 const CommandFamily kFamilies[] = {
     {"channel",
      &Make<Client::ChannelsCommandParamsPayloadBuilder, Client::CommandParamsPayloadBuilder>,
@@ -45,8 +45,6 @@ const CommandFamily kFamilies[] = {
     {"data", &Make<Client::DataCommandParamsPayloadBuilder, Client::CommandParamsPayloadBuilder>,
      &Make<Client::DataCommandReplyBuilder, Client::CommandReplyBuilder>},
 };
-
-constexpr const char* kUnknownCommand = "Unknown command type.";
 
 Messaging::EndPoint WithKey(const std::string& text, const std::string& key) {
     std::optional<Messaging::EndPoint> endpoint;
@@ -205,20 +203,12 @@ Messaging::EndPoint ConnectionSettings::NotificationEndPoint() const {
     return WithKey(notificationEndpoint, serverKey);
 }
 
-const CommandFamily& FamilyOf(const std::string& commandName, const CommandParams& params) {
-    for (const CommandFamily& family : kFamilies) {
-        try {
-            family.makePayloadBuilder()->BuildPayload(commandName, params);
-            return family;
-        } catch (const std::invalid_argument& error) {
-            if (std::string(error.what()) != kUnknownCommand) {
-                return family;  // the name is known; the parameters are refused when sent
-            }
-        } catch (const std::exception&) {
-            return family;
-        }
+const CommandFamily& FamilyOf(const std::string& commandName) {
+    const auto family = Client::FamilyOfCommand(commandName);
+    if (!family) {
+        throw CliError(ExitCode::Usage, "unknown command \"" + commandName + "\"");
     }
-    throw CliError(ExitCode::Usage, "unknown command \"" + commandName + "\"");
+    return kFamilies[*family == Client::CommandFamily::Channel ? 0 : 1];
 }
 
 Session::Session(ConnectionSettings settings) : settings(std::move(settings)) {}
@@ -260,13 +250,13 @@ Client::CommandClient& Session::ClientOf(const CommandFamily& family) {
     return *client;
 }
 
-void Session::Connect(const std::string& commandName, const CommandParams& params) {
-    ClientOf(FamilyOf(commandName, params));
+void Session::Connect(const std::string& commandName, const CommandParams& /*params*/) {
+    ClientOf(FamilyOf(commandName));
 }
 
 void Session::Call(const std::string& commandName, const CommandParams& params,
                    const ReplyConsumer& consume, const Interruption& interrupted) {
-    Client::CommandClient& client = ClientOf(FamilyOf(commandName, params));
+    Client::CommandClient& client = ClientOf(FamilyOf(commandName));
     std::unique_ptr<Client::PendingCommandReply> pending;
     try {
         pending = client.Request(commandName, params);

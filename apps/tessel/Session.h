@@ -40,11 +40,9 @@ struct CommandFamily {
     std::shared_ptr<Client::CommandReplyBuilder> (*makeReplyBuilder)();
 };
 
-/// The family whose payload builder knows `commandName`; `params` must be of the class the name
-/// implies (as `Json::CommandParamsFromJson` makes it). Throws `CliError` (Usage) for a name that
-/// no family knows.
-const CommandFamily& FamilyOf(const std::string& commandName,
-                              const HighLevelOperations::Commands::CommandParams& params);
+/// The family of the command named `commandName`, as the command table gives it. Throws
+/// `CliError` (Usage) for a name that no command has.
+const CommandFamily& FamilyOf(const std::string& commandName);
 
 using Replies = std::vector<std::unique_ptr<HighLevelOperations::Commands::CommandReply>>;
 

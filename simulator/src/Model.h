@@ -107,8 +107,8 @@ public:
     /// Every `Handle` answers into the emitter given here.
     void Use(Emitter& target) { emitter = &target; }
 
-#define KORVO_SIM_HANDLER(Domain, Wire) void Handle(const Commands::Domain& params);
-    KORVO_TESSEL_COMMAND_RECORDS(KORVO_SIM_HANDLER)
+#define KORVO_SIM_HANDLER(Params, ...) void Handle(const Commands::Params& params);
+    KORVO_TESSEL_COMMANDS(KORVO_SIM_HANDLER)
 #undef KORVO_SIM_HANDLER
 
     /// Lets time pass: recorders publish their growing ranges, players stop at their bounds.

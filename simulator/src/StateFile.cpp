@@ -25,9 +25,9 @@ void PutLength(std::string& out, std::size_t length) {
 
 template <class Reply>
 void PutReply(std::string& out, const Reply& reply) {
-    using W = ReplyWire<Reply>;
-    const std::string bytes =
-        ConvertAndEncode<typename W::Converter, typename W::Record>(reply, W::kName.data());
+    using W = Serialization::Thrift::Commands::WireOf<Reply>;
+    const std::string bytes = ConvertAndEncode<typename W::ToThrift, typename W::Record>(
+        reply, Client::ReplyTraits<Reply>::kClassName.data());
     PutLength(out, bytes.size());
     out += bytes;
 }
@@ -55,7 +55,7 @@ public:
 
     template <class Reply>
     Reply Next() {
-        using W = ReplyWire<Reply>;
+        using W = Serialization::Thrift::Commands::WireOf<Reply>;
         const std::uint32_t length = Length();
         if (text.size() - offset < length) {
             throw std::runtime_error("the state file is truncated");

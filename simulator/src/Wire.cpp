@@ -5,7 +5,7 @@ namespace Korvo::Plexis::Tessel::Simulator {
 void Emitter::ChannelResults(const Data::Guid& commandGuid,
                              const std::vector<Commands::ChannelResult>& results) {
     constexpr std::size_t kPerMessage = Commands::ChannelCommandReply::kCapacity;
-    const std::string name = ReplyHeader(ReplyWire<Commands::ChannelCommandReply>::kName);
+    const std::string name = ReplyHeader<Commands::ChannelCommandReply>();
     std::size_t start = 0;
     do {
         const std::size_t end = std::min(results.size(), start + kPerMessage);

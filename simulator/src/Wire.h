@@ -16,6 +16,8 @@
 #include <Korvo/Common/Serialization/DeserializerImpl.h>
 #include <Korvo/Common/Serialization/InvalidFormatException.h>
 #include <Korvo/Common/Serialization/SerializerImpl.h>
+#include <Korvo/Plexis/Tessel/Client/CommandTypes.h>
+#include <Korvo/Plexis/Tessel/Client/NotificationTypes.h>
 #include <Korvo/Plexis/Tessel/Serialization/Thrift/Commands/Converters.h>
 #include <Korvo/Plexis/Tessel/Serialization/Thrift/Notifier/Converters.h>
 
@@ -63,38 +65,12 @@ std::string ConvertAndEncode(const Domain& value, const char* name) {
     return Encode(record);
 }
 
-/// The wire record, converter and header of each reply class.
+/// The header a reply travels under: its reply type name ("UnknownCommand" for an
+/// `UnknownCommandReply`).
 template <class Reply>
-struct ReplyWire;
-#define KORVO_SIM_REPLY_WIRE(Domain, Wire)                                                    \
-    template <>                                                                               \
-    struct ReplyWire<Commands::Domain> {                                                      \
-        using Record = Generated::Wire;                                                       \
-        using Converter = Serialization::Thrift::Commands::Domain##ToThriftConverter;         \
-        static constexpr std::string_view kName = #Wire;                                      \
-    };
-KORVO_TESSEL_REPLY_RECORDS(KORVO_SIM_REPLY_WIRE)
-#undef KORVO_SIM_REPLY_WIRE
-
-/// The header a reply travels under: its record name, except "UnknownCommand".
-inline std::string ReplyHeader(std::string_view recordName) {
-    return recordName == "UnknownCommandReply" ? std::string("UnknownCommand")
-                                               : std::string(recordName);
+std::string ReplyHeader() {
+    return std::string(Client::ReplyTraits<Reply>::kName);
 }
-
-/// The wire record, converter, type name and family of each notification argument class.
-template <class Args>
-struct NotificationWire;
-#define KORVO_SIM_NOTIFICATION_WIRE(Name, Family, Args)                                       \
-    template <>                                                                               \
-    struct NotificationWire<Notification::Args> {                                             \
-        using Record = NotifierGenerated::Name##EventArgs;                                            \
-        using Converter = Serialization::Thrift::Notifier::Name##EventArgsToThriftConverter;  \
-        static constexpr const char* kName = #Name;                                           \
-        static constexpr const char* kFamily = #Family;                                       \
-    };
-KORVO_TESSEL_NOTIFICATIONS(KORVO_SIM_NOTIFICATION_WIRE)
-#undef KORVO_SIM_NOTIFICATION_WIRE
 
 /// Collects what the model answers to one command (its reply messages, in order) and what it
 /// publishes. Replies too long for one message are cut into "[part]" messages.
@@ -105,7 +81,7 @@ public:
     /// One reply, sent as one message.
     template <class R>
     void Reply(const R& reply) {
-        Add(ReplyHeader(ReplyWire<R>::kName), reply);
+        Add(ReplyHeader<R>(), reply);
     }
 
     /// Listings and per-item results: cut by `partSize` items.
@@ -129,14 +105,16 @@ public:
     /// Publishes `args` under "<family>/<serverName>" (or the bare family without a name).
     template <class Args>
     void Notify(const std::string& serverName, const Args& args) {
-        using W = NotificationWire<Args>;
-        std::string topic = W::kFamily;
+        using Traits = Client::NotificationTraits<Args>;
+        using W = Serialization::Thrift::Notifier::WireOf<Args>;
+        std::string topic(Traits::kFamilyName);
         if (!serverName.empty()) {
             topic += '/' + serverName;
         }
-        notices.push_back({std::move(topic), W::kName,
-                           ConvertAndEncode<typename W::Converter, typename W::Record>(args,
-                                                                                      W::kName)});
+        const std::string name(Traits::kName);
+        notices.push_back({std::move(topic), name,
+                           ConvertAndEncode<typename W::ToThrift, typename W::Record>(
+                               args, name.c_str())});
     }
 
     std::vector<OutgoingMessage> replies;
@@ -145,17 +123,17 @@ public:
 private:
     template <class R>
     void Add(std::string header, const R& reply) {
-        using W = ReplyWire<R>;
+        using W = Serialization::Thrift::Commands::WireOf<R>;
         replies.push_back({std::move(header),
-                           ConvertAndEncode<typename W::Converter, typename W::Record>(
-                               reply, W::kName.data())});
+                           ConvertAndEncode<typename W::ToThrift, typename W::Record>(
+                               reply, Client::ReplyTraits<R>::kClassName.data())});
     }
 
     // Every part but the last carries the "[part]" prefix; an empty list is one final message.
     template <class R, class Item>
     void Sliced(R reply, std::vector<Item> R::*items) {
         std::vector<Item> all = std::move(reply.*items);
-        const std::string name = ReplyHeader(ReplyWire<R>::kName);
+        const std::string name = ReplyHeader<R>();
         std::size_t start = 0;
         do {
             const std::size_t end = std::min(all.size(), start + partSize);
@@ -171,21 +149,18 @@ private:
 
 namespace Detail {
 
-// "PlayCommandParams" names the record of "PlayCommand".
-constexpr std::string_view CommandName(std::string_view record) {
-    return record.substr(0, record.size() - std::string_view("Params").size());
-}
-
-template <class Domain, class Record, class Converter, class Handler>
+template <class Domain, class Handler>
 void DecodeAndHandle(const unsigned char* bytes, unsigned int size, Handler& handler) {
-    Record record;
+    using Wire = Serialization::Thrift::Commands::WireOf<Domain>;
+    typename Wire::Record record;
     try {
-        Common::Serialization::DeserializerImpl<Record>().Deserialize(bytes, size, record);
+        Common::Serialization::DeserializerImpl<typename Wire::Record>().Deserialize(bytes, size,
+                                                                                     record);
     } catch (const Common::Serialization::InvalidFormatException& failure) {
         throw UndecodablePayload(failure.what());
     }
     Domain params;
-    const auto result = Converter().To(std::move(record), params);
+    const auto result = typename Wire::FromThrift().To(std::move(record), params);
     if (!result.success) {
         throw UndecodablePayload(result.message);
     }
@@ -201,14 +176,15 @@ template <class Handler>
 bool Dispatch(const std::string& commandName, const unsigned char* bytes, unsigned int size,
               Handler& handler) {
     using Entry = void (*)(const unsigned char*, unsigned int, Handler&);
-    static const std::unordered_map<std::string_view, Entry> table = {
-#define KORVO_SIM_COMMAND_ENTRY(Domain, Wire)                                                  \
-    {Detail::CommandName(#Wire),                                                              \
-     &Detail::DecodeAndHandle<Commands::Domain, Generated::Wire,                              \
-                              Serialization::Thrift::Commands::ThriftTo##Wire##Converter, Handler>},
-        KORVO_TESSEL_COMMAND_RECORDS(KORVO_SIM_COMMAND_ENTRY)
-#undef KORVO_SIM_COMMAND_ENTRY
-    };
+    static const std::unordered_map<std::string_view, Entry> table = [] {
+        std::unordered_map<std::string_view, Entry> entries;
+        Client::ForEachCommand([&](auto* params) {
+            using Params = std::remove_pointer_t<decltype(params)>;
+            entries.emplace(Client::CommandTraits<Params>::kName,
+                            &Detail::DecodeAndHandle<Params, Handler>);
+        });
+        return entries;
+    }();
     const auto found = table.find(commandName);
     if (found == table.end()) {
         return false;

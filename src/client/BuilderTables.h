@@ -2,11 +2,15 @@
 
 // The machinery shared by the payload and reply builders: a builder is an ordered table of names,
 // compared exactly, each row pointing at one instantiation of an encoding or decoding template.
+// The rows of each family are derived from the tables of `CommandTypes.h`, in their order.
 
+#include <array>
 #include <cstddef>
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <string_view>
+#include <type_traits>
 
 #include <Korvo/Common/Serialization/Deserializer.h>
 #include <Korvo/Common/Serialization/DeserializerImpl.h>
@@ -16,8 +20,10 @@
 #include <Korvo/Common/Serialization/SerializerImpl.h>
 #include <Korvo/Plexis/Data/Guid.h>
 #include <Korvo/Plexis/Tessel/Client/BaseMessage.h>
+#include <Korvo/Plexis/Tessel/Client/CommandTypes.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/CommandParams.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/CommandReply.h>
+#include <Korvo/Plexis/Tessel/Serialization/Thrift/Commands/Converters.h>
 
 namespace Korvo::Plexis::Tessel::Client::Tables {
 
@@ -27,21 +33,55 @@ using HighLevelOperations::Commands::CommandReply;
 
 /// One command of a payload builder: its name and how to encode its parameters.
 struct PayloadRow {
-    const char* name;
+    std::string_view name;
     std::unique_ptr<Buffer> (*encode)(const CommandParams& params);
 };
 
-/// Converts the parameters (of the row's class, not checked) into the wire record and encodes it.
-template <class Domain, class Wire, class Converter>
+/// The name of the class of `params` for messages: its parameters class's name when it is one
+/// of the tables, otherwise the implementation's name of its type.
+std::string ClassNameOf(const CommandParams& params);
+
+/// Converts `params` into the wire record of `Params` and encodes it. Parameters of another
+/// class are refused with `std::invalid_argument` naming the command and both classes.
+template <class Params>
 std::unique_ptr<Buffer> Encode(const CommandParams& params) {
     using namespace Common::Serialization;
-    return Serializer<SerializerImpl<Wire>, Domain, Converter>().Serialize(
-        static_cast<const Domain&>(params));
+    using Traits = CommandTraits<Params>;
+    using Wire = Serialization::Thrift::Commands::WireOf<Params>;
+    const auto* typed = dynamic_cast<const Params*>(&params);
+    if (typed == nullptr) {
+        throw std::invalid_argument(std::string(Traits::kName) + " takes " +
+                                    std::string(Traits::kClassName) + ", not " +
+                                    ClassNameOf(params));
+    }
+    return Serializer<SerializerImpl<typename Wire::Record>, Params, typename Wire::ToThrift>()
+        .Serialize(*typed);
+}
+
+/// The payload rows of `family`, in table order.
+template <CommandFamily family>
+constexpr auto PayloadRows() {
+    constexpr std::size_t count = [] {
+        std::size_t n = 0;
+        ForEachCommand([&](auto* params) {
+            n += CommandTraits<std::remove_pointer_t<decltype(params)>>::kFamily == family;
+        });
+        return n;
+    }();
+    std::array<PayloadRow, count> rows{};
+    std::size_t next = 0;
+    ForEachCommand([&](auto* params) {
+        using Params = std::remove_pointer_t<decltype(params)>;
+        if (CommandTraits<Params>::kFamily == family) {
+            rows[next++] = {CommandTraits<Params>::kName, &Encode<Params>};
+        }
+    });
+    return rows;
 }
 
 /// The row named `commandName`, compared in table order; throws "Unknown command type.".
 template <std::size_t Count>
-std::unique_ptr<Buffer> BuildPayload(const PayloadRow (&rows)[Count],
+std::unique_ptr<Buffer> BuildPayload(const std::array<PayloadRow, Count>& rows,
                                      const std::string& commandName, const CommandParams& params) {
     for (const PayloadRow& row : rows) {
         if (commandName == row.name) {
@@ -54,7 +94,7 @@ std::unique_ptr<Buffer> BuildPayload(const PayloadRow (&rows)[Count],
 /// One reply type of a reply builder: its name, whether the "[part]" prefix may precede it, and
 /// how to decode it. `source` is the builder's source location, for located messages.
 struct ReplyRow {
-    const char* name;
+    std::string_view name;
     bool acceptsPart;
     std::unique_ptr<CommandReply> (*decode)(const Buffer& buffer, const char* source);
 };
@@ -82,12 +122,36 @@ std::unique_ptr<CommandReply> ThriftBufferToResponse(const Buffer& buffer, const
     throw std::invalid_argument(failure);
 }
 
-/// The decoding row of one reply: its wire record `Wire` and converter `Converter`.
-template <class Reply, class Wire, class Converter>
+/// The decoding row of one reply class, through its wire record and converter.
+template <class Reply>
 std::unique_ptr<CommandReply> Decode(const Buffer& buffer, const char* source) {
     using namespace Common::Serialization;
-    return ThriftBufferToResponse<Reply, Deserializer<DeserializerImpl<Wire>, Reply, Converter>>(
+    using Wire = Serialization::Thrift::Commands::WireOf<Reply>;
+    return ThriftBufferToResponse<
+        Reply, Deserializer<DeserializerImpl<typename Wire::Record>, Reply, typename Wire::FromThrift>>(
         buffer, source);
+}
+
+/// The reply rows of the builders of `family`, in table order.
+template <CommandFamily family>
+constexpr auto ReplyRows() {
+    constexpr std::size_t count = [] {
+        std::size_t n = 0;
+        ForEachReply([&](auto* reply) {
+            n += Receives(family, ReplyTraits<std::remove_pointer_t<decltype(reply)>>::kFamilies);
+        });
+        return n;
+    }();
+    std::array<ReplyRow, count> rows{};
+    std::size_t next = 0;
+    ForEachReply([&](auto* reply) {
+        using Reply = std::remove_pointer_t<decltype(reply)>;
+        using Traits = ReplyTraits<Reply>;
+        if (Receives(family, Traits::kFamilies)) {
+            rows[next++] = {Traits::kName, Traits::kAcceptsPart, &Decode<Reply>};
+        }
+    });
+    return rows;
 }
 
 /// Whether `replyType` names `row`, with the "[part]" prefix where the row accepts it.
@@ -102,7 +166,7 @@ inline bool Names(const ReplyRow& row, const std::string& replyType) {
 
 /// Decodes with the first row that `replyType` names; throws the located "Unknown command type."
 template <std::size_t Count>
-std::unique_ptr<CommandReply> BuildReply(const ReplyRow (&rows)[Count], const char* source,
+std::unique_ptr<CommandReply> BuildReply(const std::array<ReplyRow, Count>& rows, const char* source,
                                          const std::string& replyType, const Buffer& buffer) {
     for (const ReplyRow& row : rows) {
         if (Names(row, replyType)) {

@@ -2,7 +2,9 @@
 
 #include <atomic>
 #include <string>
+#include <tuple>
 #include <unordered_map>
+#include <vector>
 
 #include <Korvo/Common/Messaging/Message.h>
 #include <Korvo/Plexis/Tessel/Client/NotificationHandlers.h>
@@ -11,7 +13,7 @@ namespace Korvo::Plexis::Tessel::Client::Detail {
 
 /// Recognises a notification by its header, decodes its payload into the type's argument class
 /// and delivers it to the lists of a `NotificationHandlers`. Holds the four families' lookup
-/// tables, built once by the constructor; otherwise stateless.
+/// tables, built once by the constructor from the notification table; otherwise stateless.
 class NotificationDispatch {
 public:
     /// `stop`, when given, is checked after every callback: once it is set the current
@@ -25,14 +27,24 @@ public:
     bool operator()(const NotificationHandlers& handlers,
                     const Common::Messaging::Message& message) const;
 
+    /// Decodes and delivers one notification of a known type.
+    using Deliver = void (*)(const std::atomic<bool>* stop, const NotificationHandlers& handlers,
+                             const Common::Messaging::Message& message);
+
+    /// One family's type names and, by enumerator, how each is delivered (null for a value this
+    /// client never receives).
+    template <class Event>
+    struct Family {
+        std::unordered_map<std::string, typename Event::Type> messageTypes;
+        std::vector<Deliver> deliveries;
+    };
+
 private:
     const std::atomic<bool>* stop;
-    // The four families' type names, looked up in this order; no name stands in two tables.
-    std::unordered_map<std::string, Notification::ClipCommandEvent::Type> clipCommandMessageTypes;
-    std::unordered_map<std::string, Notification::ClipStatusEvent::Type> clipStatusMessageTypes;
-    std::unordered_map<std::string, Notification::ChannelStatusEvent::Type>
-        channelStatusMessageTypes;
-    std::unordered_map<std::string, Notification::ServerStatusEvent::Type> serverStatusMessageTypes;
+    // Looked up in this order; no name stands in two families.
+    std::tuple<Family<Notification::ClipCommandEvent>, Family<Notification::ClipStatusEvent>,
+               Family<Notification::ChannelStatusEvent>, Family<Notification::ServerStatusEvent>>
+        families;
 };
 
 }  // namespace Korvo::Plexis::Tessel::Client::Detail

@@ -5,9 +5,9 @@
 
 namespace Korvo::Plexis::Tessel::Serialization::Thrift {
 
-#define KORVO_COMMAND_PAIR(Domain, Wire)                                                           \
+#define KORVO_COMMAND_PAIR(Domain, Wire, ...)                                                      \
     KORVO_INSTANTIATE_CONVERTERS(HighLevelOperations::Commands::Domain, Commands::Generated::Wire, \
                                  #Domain)
-KORVO_TESSEL_COMMAND_RECORDS(KORVO_COMMAND_PAIR)
+KORVO_TESSEL_COMMANDS(KORVO_COMMAND_PAIR)
 
 }  // namespace Korvo::Plexis::Tessel::Serialization::Thrift

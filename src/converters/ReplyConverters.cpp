@@ -5,10 +5,10 @@
 
 namespace Korvo::Plexis::Tessel::Serialization::Thrift {
 
-#define KORVO_REPLY_PAIR(Domain, Wire)                                                             \
-    KORVO_INSTANTIATE_CONVERTERS(HighLevelOperations::Commands::Domain, Commands::Generated::Wire, \
+#define KORVO_REPLY_PAIR(Domain, ...)                                                              \
+    KORVO_INSTANTIATE_CONVERTERS(HighLevelOperations::Commands::Domain, Commands::Generated::Domain, \
                                  #Domain)
-KORVO_TESSEL_REPLY_RECORDS(KORVO_REPLY_PAIR)
+KORVO_TESSEL_REPLIES(KORVO_REPLY_PAIR)
 
 namespace Mapping {
 

@@ -1,5 +1,7 @@
 #include <Korvo/Plexis/Tessel/Json/CommandParamsJson.h>
 
+#include <Korvo/Plexis/Tessel/Client/CommandTypes.h>
+
 #include "json/FamilyTable.h"
 #include "json/JsonTables.h"
 
@@ -9,16 +11,13 @@ namespace {
 using Detail::Row;
 using Result = std::unique_ptr<HighLevelOperations::Commands::CommandParams>;
 
-// A command's name is its wire record's name without "Params" ("StartRecordingCommand").
-constexpr std::string_view CommandName(std::string_view wireRecord) {
-    return wireRecord.substr(0, wireRecord.size() - std::string_view("Params").size());
-}
-
-#define KORVO_JSON_COMMAND_ROW(Domain, Wire)                                        \
-    Row<Result>{CommandName(#Wire), &typeid(HighLevelOperations::Commands::Domain), \
-                &Detail::WriteObject<HighLevelOperations::Commands::Domain>,        \
-                &Detail::ReadObject<HighLevelOperations::Commands::Domain, Result>},
-const Row<Result> kCommands[] = {KORVO_TESSEL_COMMAND_RECORDS(KORVO_JSON_COMMAND_ROW)};
+// Named by the command name ("StartRecordingCommand"), in table order.
+#define KORVO_JSON_COMMAND_ROW(Params, ...)                                                  \
+    Row<Result>{Client::CommandTraits<HighLevelOperations::Commands::Params>::kName,         \
+                &typeid(HighLevelOperations::Commands::Params),                              \
+                &Detail::WriteObject<HighLevelOperations::Commands::Params>,                 \
+                &Detail::ReadObject<HighLevelOperations::Commands::Params, Result>},
+const Row<Result> kCommands[] = {KORVO_TESSEL_COMMANDS(KORVO_JSON_COMMAND_ROW)};
 #undef KORVO_JSON_COMMAND_ROW
 
 }  // namespace

@@ -9,11 +9,12 @@ namespace {
 using Detail::Row;
 using Result = std::unique_ptr<HighLevelOperations::Commands::CommandReply>;
 
-#define KORVO_JSON_REPLY_ROW(Domain, Wire)                                   \
+// Named by the reply class (the "type" of the JSON form), in table order.
+#define KORVO_JSON_REPLY_ROW(Domain, ...)                                    \
     Row<Result>{#Domain, &typeid(HighLevelOperations::Commands::Domain),     \
                 &Detail::WriteObject<HighLevelOperations::Commands::Domain>, \
                 &Detail::ReadObject<HighLevelOperations::Commands::Domain, Result>},
-const Row<Result> kReplies[] = {KORVO_TESSEL_REPLY_RECORDS(KORVO_JSON_REPLY_ROW)};
+const Row<Result> kReplies[] = {KORVO_TESSEL_REPLIES(KORVO_JSON_REPLY_ROW)};
 #undef KORVO_JSON_REPLY_ROW
 
 }  // namespace

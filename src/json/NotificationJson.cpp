@@ -22,7 +22,7 @@ DecodedNotification ReadNotification(const Detail::Value& json, Detail::Reader& 
     return decoded;
 }
 
-#define KORVO_JSON_NOTIFICATION_ROW(Name, Family, Args)                \
+#define KORVO_JSON_NOTIFICATION_ROW(Name, Family, Args, ...)           \
     Row<DecodedNotification>{#Name, &typeid(Notification::Args),       \
                              &Detail::WriteObject<Notification::Args>, \
                              &ReadNotification<Notification::Args>},

@@ -13,7 +13,7 @@
 
 namespace Korvo::Testing {
 
-/// A CommandClient over an in-process link, with its log recorded at `LogLevel()`.
+/// A CommandClient over an in-process link, with its log recorded at every level.
 class ClientFixture : public ::testing::Test {
 protected:
     using Client = Plexis::Tessel::Client::CommandClient;
@@ -23,7 +23,7 @@ protected:
     static constexpr std::chrono::milliseconds kPatience{30000};
 
     void SetUp() override {
-        log = RecordedLogger("CommandClient", LogLevel());
+        log = RecordedLogger("CommandClient", ILogger::Trace);
         server = std::make_shared<InProcessServer>();
         client = std::make_unique<Client>(std::make_unique<InProcessMessenger>(server),
                                           std::make_shared<TextPayloadBuilder>(),
@@ -31,8 +31,6 @@ protected:
     }
 
     void TearDown() override { client.reset(); }
-
-    virtual ILogger::Level LogLevel() const { return ILogger::Trace; }
 
     std::unique_ptr<Pending> Send(const std::string& text, const std::string& name = "Echo") {
         return client->Request(name, TextParams(text));

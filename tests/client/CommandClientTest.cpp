@@ -129,17 +129,6 @@ TEST_F(CommandClientTest, StopReleasesEveryWaiterAndLogsTheCount) {
     EXPECT_EQ(log->Records().size(), logged);
 }
 
-TEST_F(CommandClientTest, StopWithNothingPendingOnlySaysShutDown) {
-    client->Stop();
-    const auto texts = log->Texts();
-    EXPECT_EQ(std::count(texts.begin(), texts.end(), "Shut down."), 1);
-    for (const auto& text : texts) {
-        EXPECT_EQ(text.find("Stop called"), std::string::npos);
-    }
-    // Stop joined the reception thread, which said so before ending.
-    EXPECT_TRUE(log->Has(ILogger::Info, "ProcessReception: stopped."));
-}
-
 TEST_F(CommandClientTest, AbandonedHandleIsForgottenSoStopFindsNothingPending) {
     Send("abandoned").reset();
     auto kept = Send("kept");
@@ -311,18 +300,6 @@ TEST(CommandClientIdleTest, EmptyReceivesThatReturnAtOnceAreSpacedByTenMilliseco
     // Five idle turns of at least 10 ms each, less the instant between the loop reading the clock
     // and the messenger recording the first call.
     EXPECT_GE(calls.back() - calls.front(), std::chrono::milliseconds(45));
-}
-
-class QuietCommandClientTest : public ClientFixture {
-protected:
-    ILogger::Level LogLevel() const override { return ILogger::Warning; }
-};
-
-TEST_F(QuietCommandClientTest, WarningLevelKeepsWarningsOnly) {
-    auto pending = Send("x");
-    client->Stop();
-    EXPECT_EQ(log->Texts(), std::vector<std::string>{
-                                "Stop called with 1 requests were still waiting for a response."});
 }
 
 }  // namespace

@@ -1,12 +1,17 @@
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <cstring>
 #include <set>
 #include <stdexcept>
 #include <string>
+#include <type_traits>
+#include <utility>
 
 #include <Korvo/Common/Serialization/PointerBuffer.h>
 #include <Korvo/Common/Serialization/SerializerImpl.h>
 #include <Korvo/Plexis/Tessel/Client/ChannelCommandReplyBuilder.h>
+#include <Korvo/Plexis/Tessel/Client/CommandTypes.h>
 #include <Korvo/Plexis/Tessel/Client/DataCommandReplyBuilder.h>
 #include <Korvo/Plexis/Tessel/Serialization/Thrift/Commands/Converters.h>
 
@@ -20,39 +25,17 @@ using Common::Serialization::Buffer;
 using Common::Serialization::PointerBuffer;
 using Plexis::Data::Guid;
 using ChannelGuid = Plexis::Data::Channels::Guid;
-using Plexis::Tessel::Client::ChannelCommandReplyBuilder;
-using Plexis::Tessel::Client::CommandReplyBuilder;
-using Plexis::Tessel::Client::DataCommandReplyBuilder;
+using namespace Plexis::Tessel::Client;
 namespace Wire = Plexis::Tessel::Serialization::Thrift::Commands::Generated;
 namespace Converters = Plexis::Tessel::Serialization::Thrift::Commands;
 
 constexpr char kChannelSource[] = "Korvo/Plexis/Tessel/Client/ChannelCommandReplyBuilder";
 constexpr char kDataSource[] = "Korvo/Plexis/Tessel/Client/DataCommandReplyBuilder";
 
-// The bytes a server sends for `reply`: encoded with the reply's own encoding converter.
-template <class W, class Encoder, class Reply>
-std::unique_ptr<Buffer> Encoded(const Reply& reply) {
-    W wire;
-    const auto result = Encoder().To(reply, wire);
-    EXPECT_TRUE(result.success) << result.message;
-    return Common::Serialization::SerializerImpl<W>().Serialize(wire);
-}
-
 std::unique_ptr<Buffer> Bytes(const std::string& bytes) {
     auto* copy = static_cast<unsigned char*>(std::malloc(bytes.size() + 1));
     std::memcpy(copy, bytes.data(), bytes.size());
     return PointerBuffer::AdoptMalloced(copy, static_cast<unsigned int>(bytes.size()));
-}
-
-// Builds `type` from the encoding of `reply` and expects the same reply, of the same class.
-template <class W, class Encoder, class Reply>
-void ExpectBuilt(CommandReplyBuilder& builder, const std::string& type, const Reply& reply) {
-    auto built = builder.BuildCommandReply(type, *Encoded<W, Encoder>(reply));
-    ASSERT_NE(built, nullptr);
-    EXPECT_EQ(built->GetType(), Reply::kType) << type;
-    auto* typed = dynamic_cast<Reply*>(built.get());
-    ASSERT_NE(typed, nullptr) << type;
-    EXPECT_TRUE(*typed == reply) << type << " did not survive the round trip";
 }
 
 std::string FailureOf(CommandReplyBuilder& builder, const std::string& type, const Buffer& bytes) {
@@ -64,119 +47,52 @@ std::string FailureOf(CommandReplyBuilder& builder, const std::string& type, con
     return "(built)";
 }
 
-TEST(ReplyTypes, CodesAreFixedAndDistinct) {
-    EXPECT_EQ(UnknownCommandReply::kType, 0);
-    EXPECT_EQ(SuccessReply::kType, 1);
-    EXPECT_EQ(FailureReply::kType, 2);
-    EXPECT_EQ(ClipCommandReply::kType, 3);
-    EXPECT_EQ(AnglesGroupCommandReply::kType, 4);
-    EXPECT_EQ(PlaylistCommandReply::kType, 5);
-    EXPECT_EQ(ChannelCommandReply::kType, 6);
-    EXPECT_EQ(GetChannelsCommandReply::kType, 7);
-    EXPECT_EQ(GetTrainsCommandReply::kType, 9);
-    EXPECT_EQ(GetServersCommandReply::kType, 12);
-    EXPECT_EQ(GetMultiviewerDataCommandReply::kType, 13);
-    const int open[] = {GetClipsCommandReply::kType, GetPlaylistsCommandReply::kType,
-                        GetAnglesGroupsCommandReply::kType};
-    for (int code : open) {
-        for (int taken : {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13}) {
-            EXPECT_NE(code, taken);
+// Every reply of the table, with every field set and encoded as a server would: each builder of
+// a family that receives it builds it back whole as its class under its type name (and under
+// "[part]" where the row accepts parts); any other builder, and a refused prefix, name an unknown
+// type. The type codes callers switch on are all distinct.
+TEST(ReplyBuilders, EveryReplyIsBuiltByItsFamiliesUnderItsTypeName) {
+    ChannelCommandReplyBuilder channels;
+    DataCommandReplyBuilder data;
+    const std::pair<CommandFamily, CommandReplyBuilder*> builders[] = {
+        {CommandFamily::Channel, &channels}, {CommandFamily::Data, &data}};
+    std::set<int> codes;
+    ForEachReply([&](auto* type) {
+        using Reply = std::remove_pointer_t<decltype(type)>;
+        using Traits = ReplyTraits<Reply>;
+        using Wire = Converters::WireOf<Reply>;
+        const std::string name(Traits::kName);
+        auto reply = Samples::Filled<Reply>();
+        typename Wire::Record record;
+        ASSERT_TRUE(typename Wire::ToThrift().To(reply, record).success) << name;
+        const auto bytes = Common::Serialization::SerializerImpl<typename Wire::Record>().Serialize(
+            record);
+        if constexpr (std::is_same_v<Reply, UnknownCommandReply>) {
+            reply.commandGuid = Guid::Empty();  // its record carries no command identifier
         }
-    }
-}
+        EXPECT_TRUE(codes.insert(Reply::kType).second) << name << " shares its code";
 
-TEST(ChannelCommandReplyBuilder, EveryReplyTypeIsBuiltWithItsFields) {
-    ChannelCommandReplyBuilder builder;
-    const Guid id("cmd-1");
-
-    ExpectBuilt<Wire::SuccessReply, Converters::SuccessReplyToThriftConverter>(
-        builder, "SuccessReply", SuccessReply(id));
-    FailureReply failure(id);
-    failure.message = "player busy";
-    ExpectBuilt<Wire::FailureReply, Converters::FailureReplyToThriftConverter>(
-        builder, "FailureReply", failure);
-    UnknownCommandReply unknown;  // the record carries no command identifier
-    unknown.message = "no such command";
-    ExpectBuilt<Wire::UnknownCommandReply, Converters::UnknownCommandReplyToThriftConverter>(
-        builder, "UnknownCommand", unknown);
-
-    ChannelCommandReply channels(id);
-    channels.Add({ChannelGuid::PlayerOf(1, 0), Samples::Status(1)});
-    channels.Add({ChannelGuid::RecorderOf(1, 2), Samples::Status(2)});
-    for (const char* type : {"ChannelCommandReply", "[part]ChannelCommandReply"}) {
-        ExpectBuilt<Wire::ChannelCommandReply, Converters::ChannelCommandReplyToThriftConverter>(
-            builder, type, channels);
-    }
-
-    GetChannelsCommandReply states(id);
-    states.playerStates[ChannelGuid::PlayerOf(1, 0)] = Samples::PlayerState(1);
-    states.playerStates[ChannelGuid::PlayerOf(1, 1)] = Samples::PlayerState(2);
-    states.recorderStates[ChannelGuid::RecorderOf(1, 0)] = Samples::RecorderState(3);
-    ExpectBuilt<Wire::GetChannelsCommandReply,
-                Converters::GetChannelsCommandReplyToThriftConverter>(
-        builder, "GetChannelsCommandReply", states);
-
-    GetMultiviewerDataCommandReply multiviewer(id);
-    multiviewer.playerDataOverrides[ChannelGuid::PlayerOf(1, 0)] =
-        Samples::Overrides(ChannelGuid::PlayerOf(1, 0));
-    multiviewer.status = Samples::Status(4);
-    ExpectBuilt<Wire::GetMultiviewerDataCommandReply,
-                Converters::GetMultiviewerDataCommandReplyToThriftConverter>(
-        builder, "GetMultiviewerDataCommandReply", multiviewer);
-}
-
-TEST(DataCommandReplyBuilder, EveryReplyTypeIsBuiltWithItsFields) {
-    DataCommandReplyBuilder builder;
-    const Guid id("cmd-2");
-
-    ExpectBuilt<Wire::SuccessReply, Converters::SuccessReplyToThriftConverter>(
-        builder, "SuccessReply", SuccessReply(id));
-
-    ClipCommandReply clips(id);
-    clips.results = {{Samples::Status(1), Samples::Clip(1)},
-                     {Samples::Status(2), Samples::Clip(2)}};
-    PlaylistCommandReply playlists(id);
-    playlists.results = {{Samples::Status(3), Samples::Playlist(1)}};
-    GetClipsCommandReply listing(id);
-    listing.marker = 42;
-    listing.clips = {Samples::Clip(3), Samples::Clip(4)};
-    GetAnglesGroupsCommandReply groups(id);
-    groups.marker = 7;
-    groups.anglesGroups = {Samples::AnglesGroup(1), Samples::AnglesGroup(2)};
-    AnglesGroupCommandReply group(id);
-    group.groupGuid = Plexis::Data::Clips::Groups::Guid("group-1");
-    group.status = Samples::Status(5);
-    group.clipCommandReply = clips;
-    group.clipCommandReply.commandGuid = Guid("nested");
-    for (const std::string prefix : {"", "[part]"}) {
-        ExpectBuilt<Wire::ClipCommandReply, Converters::ClipCommandReplyToThriftConverter>(
-            builder, prefix + "ClipCommandReply", clips);
-        ExpectBuilt<Wire::PlaylistCommandReply, Converters::PlaylistCommandReplyToThriftConverter>(
-            builder, prefix + "PlaylistCommandReply", playlists);
-        ExpectBuilt<Wire::GetClipsCommandReply, Converters::GetClipsCommandReplyToThriftConverter>(
-            builder, prefix + "GetClipsCommandReply", listing);
-        ExpectBuilt<Wire::GetAnglesGroupsCommandReply,
-                    Converters::GetAnglesGroupsCommandReplyToThriftConverter>(
-            builder, prefix + "GetAnglesGroupsCommandReply", groups);
-        ExpectBuilt<Wire::AnglesGroupCommandReply,
-                    Converters::AnglesGroupCommandReplyToThriftConverter>(
-            builder, prefix + "AnglesGroupCommandReply", group);
-    }
-
-    GetTrainsCommandReply trains(id);
-    trains.marker = -1;
-    trains.trains = {Samples::Train(1)};
-    ExpectBuilt<Wire::GetTrainsCommandReply, Converters::GetTrainsCommandReplyToThriftConverter>(
-        builder, "GetTrainsCommandReply", trains);
-    GetPlaylistsCommandReply playlistListing(id);
-    playlistListing.playlists = {Samples::Playlist(5)};
-    ExpectBuilt<Wire::GetPlaylistsCommandReply,
-                Converters::GetPlaylistsCommandReplyToThriftConverter>(
-        builder, "GetPlaylistsCommandReply", playlistListing);
-    GetServersCommandReply servers(id);
-    servers.servers = {Samples::Server(1), Samples::Server(2)};
-    ExpectBuilt<Wire::GetServersCommandReply, Converters::GetServersCommandReplyToThriftConverter>(
-        builder, "GetServersCommandReply", servers);
+        for (const auto& [family, builder] : builders) {
+            const std::string unknown =
+                std::string(family == CommandFamily::Channel ? kChannelSource : kDataSource) +
+                ":BuildCommandReply: Unknown command type.";
+            if (!Receives(family, Traits::kFamilies)) {
+                EXPECT_EQ(FailureOf(*builder, name, *bytes), unknown);
+                continue;
+            }
+            for (const std::string& header : {name, "[part]" + name}) {
+                if (header != name && !Traits::kAcceptsPart) {
+                    EXPECT_EQ(FailureOf(*builder, header, *bytes), unknown);
+                    continue;
+                }
+                const auto built = builder->BuildCommandReply(header, *bytes);
+                EXPECT_EQ(built->GetType(), Reply::kType) << header;
+                const auto* typed = dynamic_cast<const Reply*>(built.get());
+                ASSERT_NE(typed, nullptr) << header;
+                EXPECT_TRUE(*typed == reply) << header << " did not survive the round trip";
+            }
+        }
+    });
 }
 
 TEST(ReplyBuilders, UnknownNamesAreRefusedWithTheBuildersLocation) {
@@ -187,14 +103,9 @@ TEST(ReplyBuilders, UnknownNamesAreRefusedWithTheBuildersLocation) {
         std::string(kChannelSource) + ":BuildCommandReply: Unknown command type.";
     const std::string dataUnknown =
         std::string(kDataSource) + ":BuildCommandReply: Unknown command type.";
-    for (const char* type :
-         {"UnknownCommandReply", "successreply", "SuccessReply ", "", "[part]SuccessReply",
-          "[part]GetChannelsCommandReply", "ClipCommandReply"}) {
+    for (const char* type : {"UnknownCommandReply", "successreply", "SuccessReply ", "", "[part]",
+                             "[part][part]ChannelCommandReply"}) {
         EXPECT_EQ(FailureOf(channels, type, *stopOnly), channelUnknown) << type;
-    }
-    for (const char* type :
-         {"ChannelCommandReply", "[part]GetTrainsCommandReply", "[part]GetServersCommandReply",
-          "[part]GetPlaylistsCommandReply", "[part]FailureReply"}) {
         EXPECT_EQ(FailureOf(data, type, *stopOnly), dataUnknown) << type;
     }
     // The bare stop byte is a valid reply with nothing set.
@@ -254,10 +165,26 @@ TEST(ReplyBuilders, UndecodableOrUnconvertibleBytesAreInvalidArguments) {
 // The channel identifiers a server may send: ours, ours spelt with a leading zero, a UUID. Each
 // reply that carries channels is built whole, keeps the identifiers apart and encodes them back
 // exactly as they came.
+template <class Reply, class Fill, class Read>
+void ExpectChannelTextsKept(const std::set<std::string>& texts, Fill fill, Read read) {
+    using Wire = Converters::WireOf<Reply>;
+    typename Wire::Record record;
+    for (const std::string& text : texts) {
+        Plexis::Data::Generated::Guid channel;
+        channel.value = text;
+        fill(record, channel);
+    }
+    const auto built = ChannelCommandReplyBuilder().BuildCommandReply(
+        std::string(ReplyTraits<Reply>::kName),
+        *Common::Serialization::SerializerImpl<typename Wire::Record>().Serialize(record));
+    typename Wire::Record back;
+    ASSERT_TRUE(typename Wire::ToThrift().To(dynamic_cast<const Reply&>(*built), back).success);
+    EXPECT_EQ(read(back), texts) << ReplyTraits<Reply>::kName;
+}
+
 TEST(ReplyBuilders, ChannelIdentifiersOfAnyFormAreKeptApartAndGoBackUnchanged) {
     const std::set<std::string> texts = {"player:1:0", "player:01:0",
                                          "6f1c2a4e-0b7d-4c1e-9a53-2d8e5f4b7c10"};
-    ChannelCommandReplyBuilder builder;
     const auto keys = [](const auto& map) {
         std::set<std::string> found;
         for (const auto& entry : map) {
@@ -265,51 +192,36 @@ TEST(ReplyBuilders, ChannelIdentifiersOfAnyFormAreKeptApartAndGoBackUnchanged) {
         }
         return found;
     };
-
-    Wire::ChannelCommandReply results;
-    Wire::GetChannelsCommandReply states;
-    Wire::GetMultiviewerDataCommandReply overrides;
-    for (const std::string& text : texts) {
-        Plexis::Data::Generated::Guid channel;
-        channel.value = text;
-        Wire::ChannelResult result;
-        result.__set_channelGuid(channel);
-        results.results.push_back(result);
-        states.playerStates[channel];
-        states.recorderStates[channel];
-        overrides.playerDataOverrides[channel].playerGuid = channel;
-    }
-    results.__isset.results = states.__isset.playerStates = states.__isset.recorderStates = true;
-
-    const auto channelReply = builder.BuildCommandReply(
-        "ChannelCommandReply",
-        *Common::Serialization::SerializerImpl<Wire::ChannelCommandReply>().Serialize(results));
-    Wire::ChannelCommandReply resultsBack;
-    Converters::ChannelCommandReplyToThriftConverter().To(
-        dynamic_cast<const ChannelCommandReply&>(*channelReply), resultsBack);
-    std::set<std::string> resultTexts;
-    for (const auto& result : resultsBack.results) {
-        resultTexts.insert(result.channelGuid.value);
-    }
-    EXPECT_EQ(resultTexts, texts);
-
-    const auto statesReply = builder.BuildCommandReply(
-        "GetChannelsCommandReply",
-        *Common::Serialization::SerializerImpl<Wire::GetChannelsCommandReply>().Serialize(states));
-    Wire::GetChannelsCommandReply statesBack;
-    Converters::GetChannelsCommandReplyToThriftConverter().To(
-        dynamic_cast<const GetChannelsCommandReply&>(*statesReply), statesBack);
-    EXPECT_EQ(keys(statesBack.playerStates), texts);
-    EXPECT_EQ(keys(statesBack.recorderStates), texts);
-
-    const auto overridesReply = builder.BuildCommandReply(
-        "GetMultiviewerDataCommandReply",
-        *Common::Serialization::SerializerImpl<Wire::GetMultiviewerDataCommandReply>().Serialize(
-            overrides));
-    Wire::GetMultiviewerDataCommandReply overridesBack;
-    Converters::GetMultiviewerDataCommandReplyToThriftConverter().To(
-        dynamic_cast<const GetMultiviewerDataCommandReply&>(*overridesReply), overridesBack);
-    EXPECT_EQ(keys(overridesBack.playerDataOverrides), texts);
+    ExpectChannelTextsKept<ChannelCommandReply>(
+        texts,
+        [](auto& record, const auto& channel) {
+            record.__isset.results = true;
+            record.results.emplace_back().__set_channelGuid(channel);
+        },
+        [](const auto& record) {
+            std::set<std::string> found;
+            for (const auto& result : record.results) {
+                found.insert(result.channelGuid.value);
+            }
+            return found;
+        });
+    ExpectChannelTextsKept<GetChannelsCommandReply>(
+        texts,
+        [](auto& record, const auto& channel) {
+            record.__isset.playerStates = record.__isset.recorderStates = true;
+            record.playerStates[channel];
+            record.recorderStates[channel];
+        },
+        [&](const auto& record) {
+            EXPECT_EQ(keys(record.recorderStates), keys(record.playerStates));
+            return keys(record.playerStates);
+        });
+    ExpectChannelTextsKept<GetMultiviewerDataCommandReply>(
+        texts,
+        [](auto& record, const auto& channel) {
+            record.playerDataOverrides[channel].playerGuid = channel;
+        },
+        [&](const auto& record) { return keys(record.playerDataOverrides); });
 }
 
 }  // namespace

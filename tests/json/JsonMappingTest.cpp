@@ -40,8 +40,8 @@ void ExpectParamsRoundTrip(const std::string& wireRecord) {
 }
 
 TEST(CommandParamsJson, EveryCommandSurvivesTheRoundTrip) {
-#define KORVO_TEST_ROW(Domain, Wire) ExpectParamsRoundTrip<Domain>(#Wire);
-    KORVO_TESSEL_COMMAND_RECORDS(KORVO_TEST_ROW)
+#define KORVO_TEST_ROW(Domain, Wire, ...) ExpectParamsRoundTrip<Domain>(#Wire);
+    KORVO_TESSEL_COMMANDS(KORVO_TEST_ROW)
 #undef KORVO_TEST_ROW
     EXPECT_EQ(CommandNames().size(), 30u);
 }
@@ -60,8 +60,8 @@ void ExpectReplyRoundTrip(const std::string& typeName) {
 }
 
 TEST(CommandReplyJson, EveryReplySurvivesTheRoundTrip) {
-#define KORVO_TEST_ROW(Domain, Wire) ExpectReplyRoundTrip<Domain>(#Domain);
-    KORVO_TESSEL_REPLY_RECORDS(KORVO_TEST_ROW)
+#define KORVO_TEST_ROW(Domain, ...) ExpectReplyRoundTrip<Domain>(#Domain);
+    KORVO_TESSEL_REPLIES(KORVO_TEST_ROW)
 #undef KORVO_TEST_ROW
 }
 
@@ -86,7 +86,7 @@ void ExpectNotificationRoundTrip(const std::string& typeName) {
 }
 
 TEST(NotificationJson, EveryNotificationSurvivesTheRoundTrip) {
-#define KORVO_TEST_ROW(Name, Family, Args) ExpectNotificationRoundTrip<Events::Args>(#Name);
+#define KORVO_TEST_ROW(Name, Family, Args, ...) ExpectNotificationRoundTrip<Events::Args>(#Name);
     KORVO_TESSEL_NOTIFICATIONS(KORVO_TEST_ROW)
 #undef KORVO_TEST_ROW
     EXPECT_EQ(NotificationTypeNames().size(), 17u);

@@ -15,8 +15,10 @@ public:
     virtual ~CommandParamsPayloadBuilder() = default;
 
     /// The encoded payload, owned by the caller. Throws `std::invalid_argument` "Unknown command
-    /// type." for a name it does not know and `InvalidConversionException` when the parameters
-    /// cannot be converted. `params` must be of the class that the name implies.
+    /// type." for a name it does not know, `std::invalid_argument` naming both classes when
+    /// `params` is not of the class that the name implies ("PlayCommand takes PlayCommandParams,
+    /// not StepCommandParams"), and `InvalidConversionException` when the parameters cannot be
+    /// converted.
     virtual std::unique_ptr<Common::Serialization::Buffer> BuildPayload(
         const std::string& commandName,
         const HighLevelOperations::Commands::CommandParams& params) = 0;

@@ -1,116 +1,17 @@
 #pragma once
 
-// The commands and replies of the protocol as tables keyed by type. Every view of them (the
-// payload and reply builders, the JSON form, the simulator's dispatch, the command-line tool,
-// the typed calls of `Connection`) is derived from the rows below, so adding a command is one row
-// here, its parameters class, its wire record and a simulator handler.
+// The commands and replies of the protocol keyed by type: traits derived from the rows of
+// `MessageTables.h`, which every view of them (the payload and reply builders, the JSON form, the
+// simulator's dispatch, the command-line tool, the typed calls of `Connection`) expands. Adding a
+// command is one row there, its parameters class, its wire record and a simulator handler.
 
 #include <cstdint>
+#include <optional>
 #include <string_view>
 #include <tuple>
 #include <type_traits>
 
-#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/AnglesGroupCommandReply.h>
-#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/ChainCommandParams.h>
-#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/ChannelCommandReply.h>
-#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/ClipCommandReply.h>
-#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/CreateAnglesGroupCommandParams.h>
-#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/CreateClipsCommandParams.h>
-#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/CreatePlaylistsCommandParams.h>
-#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/DeleteAnglesGroupCommandParams.h>
-#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/DeleteClipsCommandParams.h>
-#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/DeletePlaylistsCommandParams.h>
-#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/DialCommandParams.h>
-#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/FailureReply.h>
-#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/GetAnglesGroupsCommandParams.h>
-#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/GetAnglesGroupsCommandReply.h>
-#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/GetChannelsCommandParams.h>
-#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/GetChannelsCommandReply.h>
-#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/GetClipsCommandParams.h>
-#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/GetClipsCommandReply.h>
-#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/GetMultiviewerDataCommandParams.h>
-#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/GetMultiviewerDataCommandReply.h>
-#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/GetPlaylistsCommandParams.h>
-#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/GetPlaylistsCommandReply.h>
-#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/GetServersCommandParams.h>
-#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/GetServersCommandReply.h>
-#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/GetTrainsCommandParams.h>
-#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/GetTrainsCommandReply.h>
-#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/GoIdleCommandParams.h>
-#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/LiveCommandParams.h>
-#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/LoadClipsCommandParams.h>
-#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/LoadSequencesCommandParams.h>
-#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/PingCommandParams.h>
-#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/PlayCommandParams.h>
-#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/PlaylistCommandReply.h>
-#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/SetLoadBoundariesCommandParams.h>
-#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/SetMultiviewerDataCommandParams.h>
-#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/StartCommandParams.h>
-#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/StepCommandParams.h>
-#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/StopCommandParams.h>
-#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/SuccessReply.h>
-#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/SyncCommandParams.h>
-#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/UnknownCommandReply.h>
-#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/UpdateAnglesGroupCommandParams.h>
-#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/UpdateClipsCommandParams.h>
-#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/UpdatePlaylistsCommandParams.h>
-
-// clang-format off
-/// One row per command, channel commands first, each family in its payload builder's order:
-/// the parameters class, its wire record (the command's name is the record's name without
-/// "Params"), the family, the reply it answers with when it runs, and whether it only reads (a
-/// command that only reads is safe to send again after an unknown outcome).
-#define KORVO_TESSEL_COMMANDS(X) \
-    X(PlayCommandParams, PlayCommandParams, Channel, ChannelCommandReply, false) \
-    X(LiveCommandParams, LiveCommandParams, Channel, ChannelCommandReply, false) \
-    X(ChainCommandParams, ChainCommandParams, Channel, ChannelCommandReply, false) \
-    X(DialCommandParams, DialCommandParams, Channel, ChannelCommandReply, false) \
-    X(StepCommandParams, StepCommandParams, Channel, ChannelCommandReply, false) \
-    X(SyncCommandParams, SyncCommandParams, Channel, ChannelCommandReply, false) \
-    X(LoadClipsCommandParams, LoadClipsCommandParams, Channel, ChannelCommandReply, false) \
-    X(LoadSequencesCommandParams, LoadSequencesCommandParams, Channel, ChannelCommandReply, false) \
-    X(SetLoadBoundariesCommandParams, SetLoadBoundariesCommandParams, Channel, ChannelCommandReply, false) \
-    X(GoIdleCommandParams, GoIdleCommandParams, Channel, ChannelCommandReply, false) \
-    X(StartCommandParams, StartRecordingCommandParams, Channel, ChannelCommandReply, false) \
-    X(StopCommandParams, StopRecordingCommandParams, Channel, ChannelCommandReply, false) \
-    X(GetChannelsCommandParams, GetChannelsCommandParams, Channel, GetChannelsCommandReply, true) \
-    X(GetMultiviewerDataCommandParams, GetMultiviewerDataCommandParams, Channel, GetMultiviewerDataCommandReply, true) \
-    X(SetMultiviewerDataCommandParams, SetMultiviewerDataCommandParams, Channel, ChannelCommandReply, false) \
-    X(GetClipsCommandParams, GetClipsCommandParams, Data, GetClipsCommandReply, true) \
-    X(GetTrainsCommandParams, GetTrainsCommandParams, Data, GetTrainsCommandReply, true) \
-    X(GetServersCommandParams, GetServersCommandParams, Data, GetServersCommandReply, true) \
-    X(GetPlaylistsCommandParams, GetPlaylistsCommandParams, Data, GetPlaylistsCommandReply, true) \
-    X(DeleteClipsCommandParams, DeleteClipsCommandParams, Data, ClipCommandReply, false) \
-    X(CreateClipsCommandParams, CreateClipsCommandParams, Data, ClipCommandReply, false) \
-    X(UpdateClipsCommandParams, UpdateClipsCommandParams, Data, ClipCommandReply, false) \
-    X(PingCommandParams, PingCommandParams, Data, SuccessReply, true) \
-    X(GetAnglesGroupsCommandParams, GetAnglesGroupsCommandParams, Data, GetAnglesGroupsCommandReply, true) \
-    X(DeleteAnglesGroupCommandParams, DeleteAnglesGroupCommandParams, Data, AnglesGroupCommandReply, false) \
-    X(UpdateAnglesGroupCommandParams, UpdateAnglesGroupCommandParams, Data, AnglesGroupCommandReply, false) \
-    X(CreateAnglesGroupCommandParams, CreateAnglesGroupCommandParams, Data, AnglesGroupCommandReply, false) \
-    X(CreatePlaylistsCommandParams, CreatePlaylistsCommandParams, Data, PlaylistCommandReply, false) \
-    X(DeletePlaylistsCommandParams, DeletePlaylistsCommandParams, Data, PlaylistCommandReply, false) \
-    X(UpdatePlaylistsCommandParams, UpdatePlaylistsCommandParams, Data, PlaylistCommandReply, false)
-
-/// One row per reply class: the class (its wire record has the same name), the reply type name
-/// announcing it, whether it may come in "[part]" messages, and the families that receive it.
-/// Within a family, the rows keep the order in which that family's reply builder compares names.
-#define KORVO_TESSEL_REPLIES(X) \
-    X(SuccessReply, "SuccessReply", false, Both) \
-    X(FailureReply, "FailureReply", false, Both) \
-    X(UnknownCommandReply, "UnknownCommand", false, Both) \
-    X(ChannelCommandReply, "ChannelCommandReply", true, Channel) \
-    X(GetChannelsCommandReply, "GetChannelsCommandReply", false, Channel) \
-    X(GetMultiviewerDataCommandReply, "GetMultiviewerDataCommandReply", false, Channel) \
-    X(ClipCommandReply, "ClipCommandReply", true, Data) \
-    X(PlaylistCommandReply, "PlaylistCommandReply", true, Data) \
-    X(GetClipsCommandReply, "GetClipsCommandReply", true, Data) \
-    X(GetTrainsCommandReply, "GetTrainsCommandReply", false, Data) \
-    X(GetPlaylistsCommandReply, "GetPlaylistsCommandReply", false, Data) \
-    X(GetServersCommandReply, "GetServersCommandReply", false, Data) \
-    X(GetAnglesGroupsCommandReply, "GetAnglesGroupsCommandReply", true, Data) \
-    X(AnglesGroupCommandReply, "AnglesGroupCommandReply", true, Data)
-// clang-format on
+#include <Korvo/Plexis/Tessel/MessageTables.h>
 
 namespace Korvo::Plexis::Tessel::Client {
 
@@ -123,6 +24,7 @@ enum class ReplyFamilies : std::uint8_t { Channel, Data, Both };
 /// What the tables say of a command's parameters class `Params`; defined for the 30 parameters
 /// classes only, so that naming any other class fails to compile:
 /// - `kName`: the command name sent on the wire ("PlayCommand");
+/// - `kClassName`: the parameters class's own name ("PlayCommandParams");
 /// - `kFamily`: the builders that serve it;
 /// - `Reply`: the reply class it answers with when it runs;
 /// - `Replies`: every reply class it may receive (`Reply`, then the success, failure and
@@ -131,8 +33,9 @@ enum class ReplyFamilies : std::uint8_t { Channel, Data, Both };
 template <class Params>
 struct CommandTraits;
 
-/// What the tables say of a reply class `Reply`: `kName` (the reply type name), `kAcceptsPart`
-/// (it may come in "[part]" messages) and `kFamilies`. Defined for the 14 reply classes only.
+/// What the tables say of a reply class `Reply`: `kName` (the reply type name), `kClassName`,
+/// `kAcceptsPart` (it may come in "[part]" messages) and `kFamilies`. Defined for the 14 reply
+/// classes only.
 template <class Reply>
 struct ReplyTraits;
 
@@ -166,6 +69,7 @@ using WithCommon = decltype(std::tuple_cat(
     template <>                                                                               \
     struct CommandTraits<HighLevelOperations::Commands::Params> {                             \
         static constexpr std::string_view kName = Detail::CommandNameOfRecord(#Record);       \
+        static constexpr std::string_view kClassName = #Params;                               \
         static constexpr CommandFamily kFamily = CommandFamily::Family;                       \
         using Reply = HighLevelOperations::Commands::ReplyClass;                              \
         using Replies = Detail::WithCommon<Reply, HighLevelOperations::Commands::SuccessReply, \
@@ -180,6 +84,7 @@ KORVO_TESSEL_COMMANDS(KORVO_TESSEL_COMMAND_TRAITS)
     template <>                                                            \
     struct ReplyTraits<HighLevelOperations::Commands::ReplyClass> {        \
         static constexpr std::string_view kName = Name;                    \
+        static constexpr std::string_view kClassName = #ReplyClass;        \
         static constexpr bool kAcceptsPart = AcceptsPart;                  \
         static constexpr ReplyFamilies kFamilies = ReplyFamilies::Families; \
     };
@@ -203,6 +108,26 @@ constexpr void ForEachReply(Visit&& visit) {
     visit(static_cast<HighLevelOperations::Commands::ReplyClass*>(nullptr));
     KORVO_TESSEL_REPLIES(KORVO_TESSEL_VISIT_REPLY)
 #undef KORVO_TESSEL_VISIT_REPLY
+}
+
+/// True when the builders of `family` receive replies of `families`.
+constexpr bool Receives(CommandFamily family, ReplyFamilies families) {
+    return families == ReplyFamilies::Both ||
+           (family == CommandFamily::Channel) == (families == ReplyFamilies::Channel);
+}
+
+/// The family of the command named `name` (compared exactly), or none when no command has it.
+constexpr std::optional<CommandFamily> FamilyOfCommand(std::string_view name) {
+    bool found = false;
+    CommandFamily family = CommandFamily::Channel;
+    ForEachCommand([&](auto* params) {
+        using Traits = CommandTraits<std::remove_pointer_t<decltype(params)>>;
+        if (Traits::kName == name) {
+            found = true;
+            family = Traits::kFamily;
+        }
+    });
+    return found ? std::optional<CommandFamily>(family) : std::nullopt;
 }
 
 }  // namespace Korvo::Plexis::Tessel::Client
