@@ -6,6 +6,7 @@
 #include <Korvo/Common/Serialization/DeserializerImpl.h>
 #include <Korvo/Common/Serialization/PointerBuffer.h>
 #include <Korvo/Plexis/Tessel/Client/NotificationTypes.h>
+#include <Korvo/Plexis/Tessel/Serialization/Thrift/Notifier/Converters.h>
 
 namespace Korvo::Plexis::Tessel::Client::Detail {
 namespace {
