@@ -3,6 +3,7 @@
 // callbacks from one application thread, and the lag of the dial lane behind a slow server.
 
 #include <atomic>
+#include <iterator>
 #include <condition_variable>
 #include <memory>
 #include <mutex>
@@ -10,6 +11,7 @@
 #include <thread>
 
 #include <benchmark/benchmark.h>
+#include <zmq_addon.hpp>
 
 #include <Korvo/Plexis/Tessel/Client/Connection.h>
 

@@ -373,7 +373,9 @@ void Engine::Register(const std::shared_ptr<OperationCore>& operation) {
         std::lock_guard<std::mutex> lock(mutex);
         operation->slot = deadlines.emplace(operation->deadline, operation);
         operation->registered = true;
-        earliest = operation->slot == deadlines.begin();
+        // The callback thread is woken only when it would sleep past this time limit: in a steady
+        // flow of commands it wakes about once per time limit, not once per command.
+        earliest = operation->deadline < sleepingUntil;
     }
     if (earliest) {
         wake.notify_one();
@@ -530,11 +532,13 @@ void Engine::Run() {
             continue;
         }
         if (deadlines.empty()) {
+            sleepingUntil = Clock::time_point::max();
             wake.wait(lock);
         } else {
-            const Clock::time_point next = deadlines.begin()->first;  // the node may go meanwhile
-            wake.wait_until(lock, next);
+            sleepingUntil = deadlines.begin()->first;  // a copy: the entry may go meanwhile
+            wake.wait_until(lock, sleepingUntil);
         }
+        sleepingUntil = Clock::time_point::min();
     }
     onCallbackThread = false;
 }

@@ -128,6 +128,8 @@ private:
     std::vector<std::shared_ptr<OperationCore>> parked;
     bool stopping = false;
     bool closed = false;
+    // Until when the callback thread sleeps; `min` while it is awake.
+    Clock::time_point sleepingUntil = Clock::time_point::min();
 
     struct Lane {
         std::shared_ptr<OperationCore> inFlight;
