@@ -16,7 +16,7 @@
 #include <optional>
 #include <stdexcept>
 
-#include <Korvo/Common/Messaging/Client/Messenger.h>
+#include <Korvo/Plexis/Tessel/Client/ZmqMessenger.h>
 #include <Korvo/Plexis/Tessel/Client/ChannelCommandReplyBuilder.h>
 #include <Korvo/Plexis/Tessel/Client/ChannelsCommandParamsPayloadBuilder.h>
 #include <Korvo/Plexis/Tessel/Client/DataCommandParamsPayloadBuilder.h>
@@ -234,7 +234,7 @@ Client::CommandClient& Session::ClientOf(const CommandFamily& family) {
     auto link = std::make_shared<LinkState>();
     std::unique_ptr<Client::CommandClient> made;
     try {
-        auto messenger = std::make_unique<Messaging::Client::Messenger>(
+        auto messenger = std::make_unique<Client::ZmqMessenger>(
             endpoint, Messaging::TransportOptions{}, [link](Messaging::ConnectionState state) {
                 std::lock_guard<std::mutex> lock(link->mutex);
                 link->state = state;

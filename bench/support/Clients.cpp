@@ -3,7 +3,7 @@
 #include <array>
 #include <cstdint>
 
-#include <Korvo/Common/Messaging/Client/Messenger.h>
+#include <Korvo/Plexis/Tessel/Client/ZmqMessenger.h>
 #include <Korvo/Plexis/Tessel/Client/DataCommandParamsPayloadBuilder.h>
 #include <Korvo/Plexis/Tessel/Client/DataCommandReplyBuilder.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/SuccessReply.h>
@@ -26,7 +26,7 @@ namespace Wire = Plexis::Tessel::Serialization::Thrift::Commands::Generated;
 
 std::unique_ptr<CommandClient> ConnectedClient(const std::string& address) {
     auto client = std::make_unique<CommandClient>(
-        std::make_unique<Common::Messaging::Client::Messenger>(
+        std::make_unique<Plexis::Tessel::Client::ZmqMessenger>(
             Common::Messaging::EndPoint(address)),
         std::make_shared<Plexis::Tessel::Client::DataCommandParamsPayloadBuilder>(),
         std::make_shared<Plexis::Tessel::Client::DataCommandReplyBuilder>());

@@ -26,8 +26,8 @@
 #include <Korvo/Plexis/Tessel/Logging/Loggers.h>
 
 #include "Model.h"
-#include "logging/LogSupport.h"
-#include "logging/RateLimit.h"
+#include <Korvo/Plexis/Tessel/Logging/Log.h>
+#include <Korvo/Plexis/Tessel/Logging/RateLimit.h>
 
 namespace Korvo::Plexis::Tessel::Simulator {
 
@@ -378,11 +378,9 @@ Simulator::Impl::Impl(SimulatorOptions givenOptions)
     notificationEndpoint = boundNotificationAddress + keyPart;
     running = true;
     thread = std::thread(&Impl::Run, this);
-    Logging::LogComposed(
-        logger, ILogger::Info,
-        [&] { return "Listening: commands " + commandEndpoint + ", notifications " +
-                     notificationEndpoint; },
-        kSource, __LINE__);
+    KORVO_LOG_COMPOSED(logger, ILogger::Info, [&] {
+        return "Listening: commands " + commandEndpoint + ", notifications " + notificationEndpoint;
+    });
 }
 
 void Simulator::Impl::Bind(Clock::duration patience) {
@@ -496,10 +494,9 @@ void Simulator::Impl::Run() {
         if (zmq_poll(items, itemCount, std::max<long>(0, static_cast<long>(wait.count()) + 1)) <
                 0 &&
             zmq_errno() != EINTR) {
-            Logging::LogComposed(
-                logger, ILogger::Fatal,
-                [] { return std::string("Polling failed: ") + zmq_strerror(zmq_errno()); },
-                kSource, __LINE__);
+            KORVO_LOG_COMPOSED(logger, ILogger::Fatal, [] {
+                return std::string("Polling failed: ") + zmq_strerror(zmq_errno());
+            });
             break;
         }
         if (items[0].revents & ZMQ_POLLIN) {
@@ -520,8 +517,7 @@ void Simulator::Impl::Run() {
             try {
                 Bind(Clock::duration::zero());
                 nextRebind = {};
-                Logging::Log(logger, ILogger::Info, "Bound again after a restart.", kSource,
-                             __LINE__);
+                KORVO_LOG(logger, ILogger::Info, "Bound again after a restart.");
                 Announce();
             } catch (const std::exception&) {
                 nextRebind = now + kRebindInterval;
@@ -582,13 +578,10 @@ void Simulator::Impl::HandleCommand(std::vector<zmq::message_t>& frames) {
     if (frames.size() != 4 || frames[1].size() != 4) {
         Count([](Statistics& s) { ++s.malformedReceived; });
         if (const auto admitted = envelopeLog.Admit()) {
-            Logging::LogComposed(
-                logger, ILogger::Warning,
-                [&] {
-                    return "Dropped a command with a malformed envelope." +
-                           Logging::Suppressed(*admitted);
-                },
-                kSource, __LINE__);
+            KORVO_LOG_COMPOSED(logger, ILogger::Warning, [&] {
+                return "Dropped a command with a malformed envelope." +
+                       Logging::Suppressed(*admitted);
+            });
         }
         return;
     }
@@ -709,13 +702,10 @@ Simulator::Impl::Offer Simulator::Impl::OfferToSocket(const std::string& identit
         }
         if (error != EHOSTUNREACH) {
             if (const auto admitted = sendLog.Admit()) {
-                Logging::LogComposed(
-                    logger, ILogger::Error,
-                    [&] {
-                        return std::string("Could not send a reply: ") + zmq_strerror(error) +
-                               Logging::Suppressed(*admitted);
-                    },
-                    kSource, __LINE__);
+                KORVO_LOG_COMPOSED(logger, ILogger::Error, [&] {
+                    return std::string("Could not send a reply: ") + zmq_strerror(error) +
+                           Logging::Suppressed(*admitted);
+                });
             }
         }
         return Offer::Gone;
@@ -760,14 +750,10 @@ bool Simulator::Impl::FlushOutbox() {
 void Simulator::Impl::Shed(const char* where, std::size_t held, std::size_t limit) {
     Count([](Statistics& s) { ++s.repliesShed; });
     if (const auto admitted = shedLog.Admit()) {
-        Logging::LogComposed(
-            logger, ILogger::Warning,
-            [&] {
-                return std::string("Dropped a reply: the ") + where + " hold " +
-                       std::to_string(held) + " bytes, the limit is " + std::to_string(limit) +
-                       Logging::Suppressed(*admitted);
-            },
-            kSource, __LINE__);
+        KORVO_LOG_COMPOSED(logger, ILogger::Warning, [&] {
+            return std::string("Dropped a reply: the ") + where + " hold " + std::to_string(held) +
+                   " bytes, the limit is " + std::to_string(limit) + Logging::Suppressed(*admitted);
+        });
     }
 }
 
@@ -814,14 +800,12 @@ void Simulator::Impl::ReadSubscriptions() {
             if (subscriptionBytes + cost > options.subscriptionBytes) {
                 Count([](Statistics& s) { ++s.subscriptionsIgnored; });
                 if (const auto admitted = subscriptionLog.Admit()) {
-                    Logging::LogComposed(
-                        logger, ILogger::Warning,
-                        [&] {
+                    KORVO_LOG_COMPOSED(
+                        logger, ILogger::Warning, [&] {
                             return "Not keeping a subscription: the topics kept reach the limit "
                                    "of " + std::to_string(options.subscriptionBytes) +
                                    " bytes" + Logging::Suppressed(*admitted);
-                        },
-                        kSource, __LINE__);
+                        });
                 }
                 continue;
             }
@@ -842,9 +826,7 @@ void Simulator::Impl::SaveState() {
     try {
         WriteFileAtomically(options.stateFile, model.SaveState());
     } catch (const std::exception& failure) {
-        Logging::LogComposed(
-            logger, ILogger::Error, [&] { return std::string(failure.what()); }, kSource,
-            __LINE__);
+        KORVO_LOG_COMPOSED(logger, ILogger::Error, [&] { return std::string(failure.what()); });
     }
 }
 

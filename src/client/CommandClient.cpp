@@ -10,8 +10,8 @@
 #include <Korvo/Plexis/Tessel/Logging/Loggers.h>
 
 #include "client/ReplyIdentity.h"
-#include "logging/LogSupport.h"
-#include "logging/RateLimit.h"
+#include <Korvo/Plexis/Tessel/Logging/Log.h>
+#include <Korvo/Plexis/Tessel/Logging/RateLimit.h>
 
 namespace Korvo::Plexis::Tessel::Client {
 namespace {
@@ -19,7 +19,6 @@ namespace {
 using Common::Messaging::ObjectShutDownException;
 using Common::Messaging::TransportException;
 using Logging::ILogger;
-using Logging::Log;
 using Logging::LogComposed;
 using Logging::RateLimit;
 using Logging::Suppressed;
@@ -104,7 +103,7 @@ CommandClient::CommandClient(std::unique_ptr<BaseClientMessenger> messenger,
       drops(std::make_unique<Drops>()) {
     linkLossesSeen = this->messenger->GetLinkLosses();
     StartReceptionThread();
-    Log(logger, ILogger::Info, "Started.", kSource, __LINE__);
+    KORVO_LOG(logger, ILogger::Info, "Started.");
 }
 
 CommandClient::~CommandClient() {
@@ -148,7 +147,7 @@ std::unique_ptr<PendingCommandReply> CommandClient::Request(
     std::unique_ptr<Common::Serialization::Buffer> payload =
         payloadBuilder->BuildPayload(commandName, params);
     if (!payload) {
-        Log(logger, ILogger::Error, "Request: failed to build command payload.", kSource, __LINE__);
+        KORVO_LOG(logger, ILogger::Error, "Request: failed to build command payload.");
         return nullptr;
     }
 
@@ -174,7 +173,7 @@ std::unique_ptr<PendingCommandReply> CommandClient::Request(
     if (!failure.empty()) {
         requestMap->Forget(requestId, replies);
         requestMap->EndSend();
-        Log(logger, ILogger::Fatal, failure.c_str(), kSource, __LINE__);
+        KORVO_LOG(logger, ILogger::Fatal, failure.c_str());
         Stop();
         return nullptr;
     }
@@ -219,10 +218,10 @@ void CommandClient::ProcessReception() {
         failure = DescribeMessengerFailure("ProcessReception");
     }
     if (!failure.empty()) {
-        Log(logger, ILogger::Fatal, failure.c_str(), kSource, __LINE__);
+        KORVO_LOG(logger, ILogger::Fatal, failure.c_str());
         Stop();
     }
-    Log(logger, ILogger::Info, "ProcessReception: stopped.", kSource, __LINE__);
+    KORVO_LOG(logger, ILogger::Info, "ProcessReception: stopped.");
     receptionOwner = nullptr;
 }
 
@@ -237,14 +236,10 @@ void CommandClient::EndRequestsOfLostLinks() {
         return;
     }
     if (const auto admitted = drops->linkLossLog.Admit()) {
-        LogComposed(
-            logger, ILogger::Warning,
-            [&] {
-                return "ProcessReception: the link to the server was lost; " +
-                       std::to_string(ended) + " requests sent on it ended unanswered." +
-                       Suppressed(*admitted);
-            },
-            kSource, __LINE__);
+        KORVO_LOG_COMPOSED(logger, ILogger::Warning, [&] {
+            return "ProcessReception: the link to the server was lost; " + std::to_string(ended) +
+                   " requests sent on it ended unanswered." + Suppressed(*admitted);
+        });
     }
 }
 
@@ -282,14 +277,12 @@ void CommandClient::Deliver(std::unique_ptr<BaseMessage> message) {
         // The request keeps waiting: its own reply may still come.
         drops->misaddressed.fetch_add(1);
         if (const auto admitted = drops->misaddressedLog.Admit()) {
-            LogComposed(
-                logger, ILogger::Warning,
-                [&] {
+            KORVO_LOG_COMPOSED(
+                logger, ILogger::Warning, [&] {
                     return "Deliver: dropped a reply for ticket " + std::to_string(ticket) +
                            " naming another command than the one sent under it." +
                            Suppressed(*admitted);
-                },
-                kSource, __LINE__);
+                });
         }
         return;
     }
@@ -297,15 +290,13 @@ void CommandClient::Deliver(std::unique_ptr<BaseMessage> message) {
         drops->overBudget.fetch_add(1 + replies->Size());
         replies->Discard();
         if (const auto admitted = drops->overBudgetLog.Admit()) {
-            LogComposed(
-                logger, ILogger::Warning,
-                [&] {
+            KORVO_LOG_COMPOSED(
+                logger, ILogger::Warning, [&] {
                     return "Deliver: the replies waiting for ticket " + std::to_string(ticket) +
                            " reached " + std::to_string(limits.waitingReplyBytes) +
                            " bytes; the request ends and its replies are dropped." +
                            Suppressed(*admitted);
-                },
-                kSource, __LINE__);
+                });
         }
         return;
     }
@@ -358,7 +349,7 @@ void CommandClient::Stop() {
         LogAbandoned(logger, "Stop", abandoned, __LINE__);
         JoinReceptionThread();
     }
-    Log(logger, ILogger::Info, "Shut down.", kSource, __LINE__);
+    KORVO_LOG(logger, ILogger::Info, "Shut down.");
 }
 
 Common::Messaging::ConnectionState CommandClient::GetConnectionState() const {

@@ -11,8 +11,8 @@
 #include <Korvo/Plexis/Tessel/Logging/Loggers.h>
 
 #include "client/NotificationDispatch.h"
-#include "logging/LogSupport.h"
-#include "logging/RateLimit.h"
+#include <Korvo/Plexis/Tessel/Logging/Log.h>
+#include <Korvo/Plexis/Tessel/Logging/RateLimit.h>
 #include "logging/LogText.h"
 
 namespace Korvo::Plexis::Tessel::Client {

@@ -3,6 +3,7 @@
 #include <Korvo/Common/Serialization/Deserializer.h>
 #include <Korvo/Common/Serialization/DeserializerImpl.h>
 #include <Korvo/Common/Serialization/PointerBuffer.h>
+#include <Korvo/Plexis/Tessel/Serialization/Thrift/Notifier/Converters.h>
 
 namespace Korvo::Plexis::Tessel::Client::Detail {
 namespace {

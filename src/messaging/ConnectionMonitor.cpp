@@ -8,14 +8,12 @@
 
 #include <poll.h>
 
-#include "logging/LogSupport.h"
+#include <Korvo/Plexis/Tessel/Logging/Log.h>
 
 namespace Korvo::Common::Messaging::Detail {
 namespace {
 
 using Plexis::Tessel::Logging::ILogger;
-using Plexis::Tessel::Logging::Log;
-using Plexis::Tessel::Logging::LogComposed;
 using Plexis::Tessel::Logging::Suppressed;
 using Clock = std::chrono::steady_clock;
 
@@ -106,13 +104,10 @@ void ConnectionMonitor::Run() {
             Watch();
         } catch (const std::exception& error) {
             if (const auto admitted = watchFailureLog.Admit()) {
-                LogComposed(
-                    logger, ILogger::Error,
-                    [&] {
-                        return std::string("Run: watching the connections failed (") +
-                               error.what() + "); trying again." + Suppressed(*admitted);
-                    },
-                    kSource, __LINE__);
+                KORVO_LOG_COMPOSED(logger, ILogger::Error, [&] {
+                    return std::string("Run: watching the connections failed (") + error.what() +
+                           "); trying again." + Suppressed(*admitted);
+                });
             }
             pollfd wakeItem{wake.Fd(), POLLIN, 0};
             if (::poll(&wakeItem, 1, static_cast<int>(kWatchRetry.count())) > 0) {
@@ -216,9 +211,8 @@ void ConnectionMonitor::LogHandshakeFailure(std::size_t link, int event, std::ui
     // and the repeats only at debug level.
     const bool repeated = handshakeFailing[link];
     handshakeFailing[link] = true;
-    LogComposed(
-        logger, repeated ? ILogger::Debug : ILogger::Error,
-        [&] {
+    KORVO_LOG_COMPOSED(
+        logger, repeated ? ILogger::Debug : ILogger::Error, [&] {
             const char* kind = event == ZMQ_EVENT_HANDSHAKE_FAILED_AUTH       ? "authentication"
                                : event == ZMQ_EVENT_HANDSHAKE_FAILED_PROTOCOL ? "protocol error"
                                                                               : "no detail";
@@ -230,8 +224,7 @@ void ConnectionMonitor::LogHandshakeFailure(std::size_t link, int event, std::ui
                                    (links[link]->GetEndPoint().IsEncrypted()
                                         ? " Check the server's public key."
                                         : ""));
-        },
-        kSource, __LINE__);
+        });
 }
 
 void ConnectionMonitor::RecreateDroppedLinks() {
@@ -243,13 +236,10 @@ void ConnectionMonitor::RecreateDroppedLinks() {
         retryDue[link].reset();
         Report(link, ConnectionState::Disconnected);
         if (reopenFailures[link] == 0) {  // a retry after a failed re-creation is logged below
-            LogComposed(
-                logger, ILogger::Error,
-                [&] {
-                    return "RecreateDroppedLinks: the transport dropped the link to " +
-                           links[link]->GetEndPoint().Address() + "; connecting a new socket.";
-                },
-                kSource, __LINE__);
+            KORVO_LOG_COMPOSED(logger, ILogger::Error, [&] {
+                return "RecreateDroppedLinks: the transport dropped the link to " +
+                       links[link]->GetEndPoint().Address() + "; connecting a new socket.";
+            });
         }
         std::optional<zmq::socket_t> monitor;
         try {
@@ -261,15 +251,13 @@ void ConnectionMonitor::RecreateDroppedLinks() {
             ++reopenFailures[link];
             retryDue[link] = Clock::now() + delay;
             if (const auto admitted = reopenFailureLog.Admit()) {
-                LogComposed(
-                    logger, ILogger::Error,
-                    [&] {
+                KORVO_LOG_COMPOSED(
+                    logger, ILogger::Error, [&] {
                         return "RecreateDroppedLinks: cannot re-create the link to " +
                                links[link]->GetEndPoint().Address() + " (" + error.what() +
                                "); trying again in " + std::to_string(delay.count()) + " ms." +
                                Suppressed(*admitted);
-                    },
-                    kSource, __LINE__);
+                    });
             }
             continue;
         }
@@ -294,13 +282,9 @@ void ConnectionMonitor::Report(std::size_t link, ConnectionState state) {
         states[link].store(state);
     }
     links[link]->NotifyChange();  // a sender may be waiting for the link to come up
-    LogComposed(
-        logger, ILogger::Info,
-        [&] {
-            return "Report: " + links[link]->GetEndPoint().Address() + " is " + ToString(state) +
-                   ".";
-        },
-        kSource, __LINE__);
+    KORVO_LOG_COMPOSED(logger, ILogger::Info, [&] {
+        return "Report: " + links[link]->GetEndPoint().Address() + " is " + ToString(state) + ".";
+    });
     Tell(link, state);
 }
 
@@ -312,15 +296,11 @@ void ConnectionMonitor::Tell(std::size_t link, ConnectionState state) {
     try {
         listener(link, state);
     } catch (const std::exception& error) {
-        LogComposed(
-            logger, ILogger::Error,
-            [&] {
-                return std::string("Tell: the connection state handler threw (") + error.what() +
-                       ").";
-            },
-            kSource, __LINE__);
+        KORVO_LOG_COMPOSED(logger, ILogger::Error, [&] {
+            return std::string("Tell: the connection state handler threw (") + error.what() + ").";
+        });
     } catch (...) {
-        Log(logger, ILogger::Error, "Tell: the connection state handler threw.", kSource, __LINE__);
+        KORVO_LOG(logger, ILogger::Error, "Tell: the connection state handler threw.");
     }
 }
 

@@ -16,7 +16,7 @@
 #include <Korvo/Common/Messaging/ConnectionState.h>
 #include <Korvo/Plexis/Tessel/Logging/ILogger.h>
 
-#include "logging/RateLimit.h"
+#include <Korvo/Plexis/Tessel/Logging/RateLimit.h>
 #include "messaging/Link.h"
 #include "messaging/WakeSignal.h"
 

@@ -7,8 +7,8 @@
 #include <Korvo/Common/Messaging/ObjectShutDownException.h>
 #include <Korvo/Plexis/Tessel/Logging/Loggers.h>
 
-#include "logging/LogSupport.h"
-#include "logging/RateLimit.h"
+#include <Korvo/Plexis/Tessel/Logging/Log.h>
+#include <Korvo/Plexis/Tessel/Logging/RateLimit.h>
 #include "messaging/ConnectionMonitor.h"
 #include "messaging/Envelope.h"
 #include "messaging/Link.h"
@@ -18,7 +18,6 @@ namespace Korvo::Common::Messaging::Client {
 namespace {
 
 using Plexis::Tessel::Logging::ILogger;
-using Plexis::Tessel::Logging::LogComposed;
 using Plexis::Tessel::Logging::RateLimit;
 using Plexis::Tessel::Logging::Suppressed;
 using Clock = std::chrono::steady_clock;
@@ -122,9 +121,8 @@ bool Messenger::TrySend(const int& ticket, const std::string& commandName,
         if (lost || now >= deadline) {
             static RateLimit limit;
             if (const auto admitted = limit.Admit()) {
-                LogComposed(
-                    impl->logger, ILogger::Error,
-                    [&] {
+                KORVO_LOG_COMPOSED(
+                    impl->logger, ILogger::Error, [&] {
                         const std::string why =
                             state == ConnectionState::Connected
                                 ? "the send queue to " + impl->link.GetEndPoint().Address() +
@@ -138,8 +136,7 @@ bool Messenger::TrySend(const int& ticket, const std::string& commandName,
                         return "Send: command " + commandName + " (ticket " +
                                std::to_string(ticket) + ") not sent: " + why + "." +
                                Suppressed(*admitted);
-                    },
-                    kSource, __LINE__);
+                    });
             }
             return false;
         }
@@ -151,7 +148,7 @@ std::uint64_t Messenger::GetLinkLosses() const {
     return impl->monitor.Losses(0);
 }
 
-std::unique_ptr<Plexis::Tessel::Client::BaseMessage> Messenger::Receive() {
+std::unique_ptr<Message> Messenger::Receive() {
     if (impl->shutDown.load()) {
         throw ObjectShutDownException("Receive: messenger shut down.");
     }
@@ -168,13 +165,10 @@ std::unique_ptr<Plexis::Tessel::Client::BaseMessage> Messenger::Receive() {
             }
             static RateLimit limit;
             if (const auto admitted = limit.Admit()) {
-                LogComposed(
-                    impl->logger, ILogger::Error,
-                    [&] {
-                        return "Receive: dropped a malformed reply (" + problem + ")." +
-                               Suppressed(*admitted);
-                    },
-                    kSource, __LINE__);
+                KORVO_LOG_COMPOSED(impl->logger, ILogger::Error, [&] {
+                    return "Receive: dropped a malformed reply (" + problem + ")." +
+                           Suppressed(*admitted);
+                });
             }
             // A stream of malformed messages must not hold the caller past its wait.
             if (Clock::now() >= deadline) {

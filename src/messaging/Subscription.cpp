@@ -15,8 +15,8 @@
 #include <Korvo/Common/Messaging/TransportException.h>
 #include <Korvo/Plexis/Tessel/Logging/Loggers.h>
 
-#include "logging/LogSupport.h"
-#include "logging/RateLimit.h"
+#include <Korvo/Plexis/Tessel/Logging/Log.h>
+#include <Korvo/Plexis/Tessel/Logging/RateLimit.h>
 #include "messaging/ConnectionMonitor.h"
 #include "messaging/Envelope.h"
 #include "messaging/FaultInjection.h"
@@ -27,7 +27,6 @@ namespace Korvo::Common::Messaging::Client {
 namespace {
 
 using Plexis::Tessel::Logging::ILogger;
-using Plexis::Tessel::Logging::LogComposed;
 using Plexis::Tessel::Logging::Suppressed;
 
 constexpr const char* kSource = "Korvo/Common/Messaging/Client/Subscription";
@@ -169,22 +168,18 @@ public:
 
     void LinkRecovered(std::size_t index) {
         linkRetries[index].failures = 0;
-        LogComposed(
-            logger, ILogger::Info,
-            [&] { return "Pump: receiving from " + endpoints[index].Address() + " again."; },
-            kSource, __LINE__);
+        KORVO_LOG_COMPOSED(logger, ILogger::Info, [&] {
+            return "Pump: receiving from " + endpoints[index].Address() + " again.";
+        });
     }
 
     // Logs a failure at a limited rate and keeps it for `Receive`.
     void Failed(const std::string& what, std::chrono::milliseconds retryIn) {
         if (const auto admitted = failureLog.Admit()) {
-            LogComposed(
-                logger, ILogger::Error,
-                [&] {
-                    return "Pump: " + what + "; trying again in " +
-                           std::to_string(retryIn.count()) + " ms." + Suppressed(*admitted);
-                },
-                kSource, __LINE__);
+            KORVO_LOG_COMPOSED(logger, ILogger::Error, [&] {
+                return "Pump: " + what + "; trying again in " + std::to_string(retryIn.count()) +
+                       " ms." + Suppressed(*admitted);
+            });
         }
         {
             std::lock_guard<std::mutex> lock(queueMutex);
@@ -212,14 +207,12 @@ public:
             holding = false;
             dropped.fetch_add(1);
             if (const auto admitted = malformedLog.Admit()) {
-                LogComposed(
-                    logger, ILogger::Error,
-                    [&] {
+                KORVO_LOG_COMPOSED(
+                    logger, ILogger::Error, [&] {
                         return "Receive: dropped a malformed notification from " +
                                endpoints[static_cast<std::size_t>(source)].Address() + " (" +
                                problem + ")." + Suppressed(*admitted);
-                    },
-                    kSource, __LINE__);
+                    });
             }
             return;
         }
@@ -283,15 +276,13 @@ public:
             }
         }
         if (const auto admitted = dropStartLog.Admit()) {
-            LogComposed(
-                logger, ILogger::Error,
-                [&] {
+            KORVO_LOG_COMPOSED(
+                logger, ILogger::Error, [&] {
                     return "Receive: the notifications waiting for the application fill its " +
                            std::to_string(queueBudget) +
                            " bytes; dropping what arrives until it catches up (" +
                            std::to_string(total) + " dropped so far)." + Suppressed(*admitted);
-                },
-                kSource, __LINE__);
+                });
         }
     }
 
@@ -326,13 +317,10 @@ public:
         lock.unlock();
         if (run > 0) {
             if (const auto admitted = caughtUpLog.Admit()) {
-                LogComposed(
-                    logger, ILogger::Error,
-                    [&] {
-                        return "Receive: the application caught up after " + std::to_string(run) +
-                               " notifications were dropped." + Suppressed(*admitted);
-                    },
-                    kSource, __LINE__);
+                KORVO_LOG_COMPOSED(logger, ILogger::Error, [&] {
+                    return "Receive: the application caught up after " + std::to_string(run) +
+                           " notifications were dropped." + Suppressed(*admitted);
+                });
             }
         }
         return event;

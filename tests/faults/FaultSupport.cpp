@@ -15,7 +15,7 @@ namespace Korvo::Testing {
 
 using namespace Plexis::Tessel::Client;
 using Common::Messaging::EndPoint;
-using Common::Messaging::Client::Messenger;
+using Messenger = Plexis::Tessel::Client::ZmqMessenger;
 
 std::unique_ptr<CommandClient> DataClientTo(const std::string& endpoint,
                                             const TransportOptions& options, StateLog* states) {

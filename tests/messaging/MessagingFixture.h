@@ -5,7 +5,7 @@
 #include <memory>
 #include <string>
 
-#include <Korvo/Common/Messaging/Client/Messenger.h>
+#include <Korvo/Plexis/Tessel/Client/ZmqMessenger.h>
 #include <Korvo/Common/Messaging/EndPoint.h>
 #include <Korvo/Common/Messaging/TransportOptions.h>
 #include <Korvo/Common/Serialization/PointerBuffer.h>
@@ -19,7 +19,7 @@ namespace Korvo::Testing {
 
 using Common::Messaging::EndPoint;
 using Common::Messaging::TransportOptions;
-using Common::Messaging::Client::Messenger;
+using Messenger = Plexis::Tessel::Client::ZmqMessenger;
 
 /// Command clients over real sockets to peers inside the test, with the messaging log recorded.
 class MessagingFixture : public ::testing::Test {

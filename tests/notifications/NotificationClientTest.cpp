@@ -10,6 +10,7 @@
 
 #include <Korvo/Common/Serialization/SerializerImpl.h>
 #include <Korvo/Plexis/Tessel/Client/NotificationClient.h>
+#include <Korvo/Plexis/Tessel/Serialization/Thrift/Notifier/Converters.h>
 
 #include "support/RecordingLogger.h"
 #include "support/Samples.h"

@@ -9,7 +9,7 @@ using Common::Messaging::ConnectionState;
 using Common::Messaging::EndPoint;
 
 std::unique_ptr<CommandClient> ConnectCommandClient(const std::string& endpoint, bool channel) {
-    auto messenger = std::make_unique<Common::Messaging::Client::Messenger>(EndPoint(endpoint));
+    auto messenger = std::make_unique<ZmqMessenger>(EndPoint(endpoint));
     std::shared_ptr<CommandParamsPayloadBuilder> payloads;
     std::shared_ptr<CommandReplyBuilder> replies;
     if (channel) {

@@ -25,7 +25,7 @@ int main(int argc, char** argv) {
     std::mutex mutex;
     std::condition_variable changed;
     bool connected = false;
-    auto messenger = std::make_unique<Messaging::Client::Messenger>(
+    auto messenger = std::make_unique<Client::ZmqMessenger>(
         Messaging::EndPoint(argv[1]), Messaging::TransportOptions{},
         [&](Messaging::ConnectionState state) {
             std::lock_guard<std::mutex> lock(mutex);

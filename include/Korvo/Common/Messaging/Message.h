@@ -5,7 +5,6 @@
 
 #include <Korvo/Common/Messaging/Origin.h>
 #include <Korvo/Common/Serialization/PointerBuffer.h>
-#include <Korvo/Plexis/Tessel/Client/BaseMessage.h>
 
 namespace Korvo::Common::Messaging {
 
@@ -20,33 +19,33 @@ struct MessageFactory;
 ///
 /// Immutable once received, so any thread may read it. Owned through `std::unique_ptr`; the byte
 /// views (`Data`, `GetPayload`) are valid while the message lives.
-class Message final : public Plexis::Tessel::Client::BaseMessage {
+class Message final {
 public:
     /// A valid message holding a copy of `data`; for tests and for transports of one's own.
     Message(Origin origin, std::string header, const std::string& data);
 
-    ~Message() override;
+    ~Message();
 
     Message(const Message&) = delete;
     Message& operator=(const Message&) = delete;
 
     /// Start of the body bytes; may be null when `DataSize()` is 0.
-    const unsigned char* Data() const override { return view.Pointer(); }
+    const unsigned char* Data() const { return view.Pointer(); }
 
     /// Number of body bytes.
-    unsigned int DataSize() const override { return view.Size(); }
+    unsigned int DataSize() const { return view.Size(); }
 
     /// The body bytes as a `Buffer`.
-    const Serialization::Buffer& GetPayload() const override { return view; }
+    const Serialization::Buffer& GetPayload() const { return view; }
 
     /// The reply or notification type name; "[part]"-prefixed for one part of a longer reply.
-    const std::string& GetHeader() const override { return header; }
+    const std::string& GetHeader() const { return header; }
 
     /// Carries the ticket of the request a reply answers.
-    const Origin& GetOrigin() const override { return origin; }
+    const Origin& GetOrigin() const { return origin; }
 
     /// False for what a malformed envelope became: no header, no bytes, ticket 0.
-    bool IsValid() const override { return valid; }
+    bool IsValid() const { return valid; }
 
 private:
     friend struct Detail::MessageFactory;

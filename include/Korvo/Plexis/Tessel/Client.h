@@ -1,6 +1,16 @@
 #pragma once
 
-// The whole public API of the Tessel client library.
+// The public API of the Tessel client library: clients, builders, messaging, domain classes,
+// events, JSON, logging and time codes. It includes no Thrift or ZeroMQ header. An application that
+// encodes or decodes wire records itself (a server of its own, a test peer) includes what it needs
+// besides, and Thrift's headers come with them:
+//   <Korvo/Common/Serialization/SerializerImpl.h>, <Korvo/Common/Serialization/DeserializerImpl.h>
+//       the compact-protocol serializer and deserializer templates;
+//   <Korvo/Common/Serialization/Thrift/...> the memory buffer and the bounded protocol under them;
+//   <Korvo/Plexis/Tessel/Serialization/Thrift/Records/<File>.h> the wire records of idl/<File>.thrift;
+//   <Korvo/Plexis/Tessel/Serialization/Thrift/Commands/Converters.h>,
+//   <Korvo/Plexis/Tessel/Serialization/Thrift/Notifier/Converters.h> and
+//   <Korvo/Plexis/Tessel/Serialization/Thrift/RecordConverters.h> the converters.
 
 #include <Korvo/Common/Messaging/Client/Messenger.h>
 #include <Korvo/Common/Messaging/Client/Subscription.h>
@@ -17,14 +27,11 @@
 #include <Korvo/Common/Serialization/ConversionResult.h>
 #include <Korvo/Common/Serialization/Converter.h>
 #include <Korvo/Common/Serialization/Deserializer.h>
-#include <Korvo/Common/Serialization/DeserializerImpl.h>
 #include <Korvo/Common/Serialization/Exception.h>
 #include <Korvo/Common/Serialization/InvalidConversionException.h>
 #include <Korvo/Common/Serialization/InvalidFormatException.h>
 #include <Korvo/Common/Serialization/PointerBuffer.h>
 #include <Korvo/Common/Serialization/Serializer.h>
-#include <Korvo/Common/Serialization/SerializerImpl.h>
-#include <Korvo/Common/Serialization/Thrift/PermissiveMemoryBuffer.h>
 #include <Korvo/Plexis/Data/Channels/Guid.h>
 #include <Korvo/Plexis/Data/Channels/LoadBoundary.h>
 #include <Korvo/Plexis/Data/Channels/PlayerClipOnAir.h>
@@ -94,6 +101,7 @@
 #include <Korvo/Plexis/Tessel/Client/Connection.h>
 #include <Korvo/Plexis/Tessel/Client/CommandParamsPayloadBuilder.h>
 #include <Korvo/Plexis/Tessel/Client/CommandReplyBuilder.h>
+#include <Korvo/Plexis/Tessel/Client/CommandTypes.h>
 #include <Korvo/Plexis/Tessel/Client/ConcurrentQueue.h>
 #include <Korvo/Plexis/Tessel/Client/DataCommandParamsPayloadBuilder.h>
 #include <Korvo/Plexis/Tessel/Client/DataCommandReplyBuilder.h>
@@ -101,6 +109,7 @@
 #include <Korvo/Plexis/Tessel/Client/NotificationHandlers.h>
 #include <Korvo/Plexis/Tessel/Client/PendingCommandReply.h>
 #include <Korvo/Plexis/Tessel/Client/RequestMap.h>
+#include <Korvo/Plexis/Tessel/Client/ZmqMessenger.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/AnglesGroupCommandReply.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/ChainCommandParams.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/ChannelCommandReply.h>
@@ -165,19 +174,6 @@
 #include <Korvo/Plexis/Tessel/Logging/ILoggerFactory.h>
 #include <Korvo/Plexis/Tessel/Logging/Loggers.h>
 #include <Korvo/Plexis/Tessel/Logging/StandardErrorLoggerFactory.h>
-#include <Korvo/Plexis/Tessel/Serialization/Thrift/Commands/Converters.h>
-#include <Korvo/Plexis/Tessel/Serialization/Thrift/Notifier/Converters.h>
-#include <Korvo/Plexis/Tessel/Serialization/Thrift/RecordConverters.h>
-#include <Korvo/Plexis/Tessel/Serialization/Thrift/Records/AnglesGroups.h>
-#include <Korvo/Plexis/Tessel/Serialization/Thrift/Records/Channels.h>
-#include <Korvo/Plexis/Tessel/Serialization/Thrift/Records/Clips.h>
-#include <Korvo/Plexis/Tessel/Serialization/Thrift/Records/Commands.h>
-#include <Korvo/Plexis/Tessel/Serialization/Thrift/Records/Common.h>
-#include <Korvo/Plexis/Tessel/Serialization/Thrift/Records/DataCommands.h>
-#include <Korvo/Plexis/Tessel/Serialization/Thrift/Records/Notifications.h>
-#include <Korvo/Plexis/Tessel/Serialization/Thrift/Records/Replies.h>
-#include <Korvo/Plexis/Tessel/Serialization/Thrift/Records/Sequences.h>
-#include <Korvo/Plexis/Tessel/Serialization/Thrift/Records/Servers.h>
 #include <Korvo/System/EventArgs.h>
 #include <Korvo/TimePoints/CalendarTools/DayPerMonth.h>
 #include <Korvo/TimePoints/TimeCode.h>

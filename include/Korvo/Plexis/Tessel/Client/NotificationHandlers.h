@@ -3,7 +3,31 @@
 #include <functional>
 #include <vector>
 
-#include <Korvo/Plexis/Tessel/Serialization/Thrift/Notifier/Converters.h>
+#include <Korvo/Plexis/Notification/AnglesGroupCreationFinishedEventArgs.h>
+#include <Korvo/Plexis/Notification/AnglesGroupDeletionFinishedEventArgs.h>
+#include <Korvo/Plexis/Notification/AnglesGroupUpdateFinishedEventArgs.h>
+#include <Korvo/Plexis/Notification/ChannelStatusEvent.h>
+#include <Korvo/Plexis/Notification/ChannelStatusEventArgs.h>
+#include <Korvo/Plexis/Notification/ClipCommandEvent.h>
+#include <Korvo/Plexis/Notification/ClipCommandEventArgs.h>
+#include <Korvo/Plexis/Notification/ClipCreationEventArgs.h>
+#include <Korvo/Plexis/Notification/ClipCreationFinishedEventArgs.h>
+#include <Korvo/Plexis/Notification/ClipDeletionFinishedEventArgs.h>
+#include <Korvo/Plexis/Notification/ClipMoveEventArgs.h>
+#include <Korvo/Plexis/Notification/ClipMoveFinishedEventArgs.h>
+#include <Korvo/Plexis/Notification/ClipStatusEvent.h>
+#include <Korvo/Plexis/Notification/ClipStatusEventArgs.h>
+#include <Korvo/Plexis/Notification/ClipUpdateFinishedEventArgs.h>
+#include <Korvo/Plexis/Notification/DisconnectedFromNetworkEventArgs.h>
+#include <Korvo/Plexis/Notification/MassClipDeletionEventArgs.h>
+#include <Korvo/Plexis/Notification/MassClipUpdateEventArgs.h>
+#include <Korvo/Plexis/Notification/PlayerStateChangedEventArgs.h>
+#include <Korvo/Plexis/Notification/RecorderStateChangedEventArgs.h>
+#include <Korvo/Plexis/Notification/RecordingRangesChangedEventArgs.h>
+#include <Korvo/Plexis/Notification/ServerAddedEventArgs.h>
+#include <Korvo/Plexis/Notification/ServerRemovedEventArgs.h>
+#include <Korvo/Plexis/Notification/ServerStatusEvent.h>
+#include <Korvo/Plexis/Notification/ServerStatusEventArgs.h>
 
 namespace Korvo::Plexis::Tessel::Client {
 

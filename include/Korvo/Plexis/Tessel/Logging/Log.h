@@ -7,14 +7,16 @@
 
 namespace Korvo::Plexis::Tessel::Logging {
 
-// The guard every library log call goes through: nothing happens without a logger, a message is
-// composed only when the logger's level lets it through, and a logger that throws never takes
-// the caller down with it.
+// Guarded writing to an `ILogger`: nothing happens without a logger, a message is composed only
+// when the logger's level lets it through, and a logger that throws never takes the caller down
+// with it. Any thread.
 
+/// Whether `logger` exists and writes messages of `level`.
 inline bool IsEnabled(const std::shared_ptr<ILogger>& logger, ILogger::Level level) {
     return logger && logger->GetLevel() <= level;
 }
 
+/// Writes `text` at `level`, naming `sourceFile` and `line`, when `IsEnabled`.
 inline void Log(const std::shared_ptr<ILogger>& logger, ILogger::Level level, const char* text,
                 const char* sourceFile, int line) noexcept {
     try {
@@ -25,7 +27,7 @@ inline void Log(const std::shared_ptr<ILogger>& logger, ILogger::Level level, co
     }
 }
 
-// `compose` is called, and its std::string result logged, only when the message will be written.
+/// Calls `compose` and writes its result (a std::string) only when `IsEnabled`.
 template <class Compose>
 void LogComposed(const std::shared_ptr<ILogger>& logger, ILogger::Level level, Compose&& compose,
                  const char* sourceFile, int line) noexcept {
@@ -38,3 +40,10 @@ void LogComposed(const std::shared_ptr<ILogger>& logger, ILogger::Level level, C
 }
 
 }  // namespace Korvo::Plexis::Tessel::Logging
+
+/// `Log` and `LogComposed` with the source location filled in: the source path is the `kSource`
+/// (a `const char*`) that the calling file defines once, the line is the line of the call.
+#define KORVO_LOG(logger, level, text) \
+    ::Korvo::Plexis::Tessel::Logging::Log((logger), (level), (text), kSource, __LINE__)
+#define KORVO_LOG_COMPOSED(logger, level, ...) \
+    ::Korvo::Plexis::Tessel::Logging::LogComposed((logger), (level), __VA_ARGS__, kSource, __LINE__)
