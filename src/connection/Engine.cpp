@@ -4,13 +4,13 @@
 #include <random>
 #include <stdexcept>
 
-#include <Korvo/Common/Messaging/Client/Messenger.h>
+#include <Korvo/Plexis/Tessel/Client/ZmqMessenger.h>
 #include <Korvo/Common/Messaging/EndPoint.h>
 #include <Korvo/Plexis/Tessel/Logging/Loggers.h>
 
 #include "connection/JoinedBuilders.h"
-#include "logging/LogSupport.h"
-#include "logging/RateLimit.h"
+#include <Korvo/Plexis/Tessel/Logging/Log.h>
+#include <Korvo/Plexis/Tessel/Logging/RateLimit.h>
 
 namespace Korvo::Plexis::Tessel::Client::Detail {
 
@@ -294,7 +294,7 @@ Engine::Engine(ConnectionOptions given)
     for (const auto& text : options.notificationEndPoints) {
         notificationEndPoints.push_back(EndPointWithKey(text, options.serverPublicKey));
     }
-    auto messenger = std::make_unique<Common::Messaging::Client::Messenger>(
+    auto messenger = std::make_unique<ZmqMessenger>(
         commands, options.transport, [this](ConnectionState now) { OnState(now); });
     thread = std::thread(&Engine::Run, this);
     try {
