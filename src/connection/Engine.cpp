@@ -396,7 +396,18 @@ void Engine::Park(std::shared_ptr<OperationCore> operation) {
         parked.push_back(std::move(operation));
     }
     if (state.load() == ConnectionState::Connected) {
-        OnState(ConnectionState::Connected);  // launches the parked operations
+        Post([this] { LaunchParked(); });
+    }
+}
+
+void Engine::LaunchParked() {
+    std::vector<std::shared_ptr<OperationCore>> again;
+    {
+        std::lock_guard<std::mutex> lock(mutex);
+        again.swap(parked);
+    }
+    for (auto& operation : again) {
+        operation->Launch();
     }
 }
 
@@ -466,14 +477,7 @@ void Engine::OnState(ConnectionState now) {
     }
     Post([this, now] {
         if (now == ConnectionState::Connected) {
-            std::vector<std::shared_ptr<OperationCore>> again;
-            {
-                std::lock_guard<std::mutex> lock(mutex);
-                again.swap(parked);
-            }
-            for (auto& operation : again) {
-                operation->Launch();
-            }
+            LaunchParked();
         }
         std::vector<std::shared_ptr<std::function<void(ConnectionState)>>> calls;
         {

@@ -120,6 +120,8 @@ public:
 
 private:
     void Run();
+    // On the callback thread: sends the operations kept by `Park` again.
+    void LaunchParked();
 
     std::mutex mutex;
     std::condition_variable wake;
