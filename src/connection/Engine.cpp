@@ -391,13 +391,11 @@ void Engine::Unregister(const std::shared_ptr<OperationCore>& operation) {
 }
 
 void Engine::Park(std::shared_ptr<OperationCore> operation) {
-    {
-        std::lock_guard<std::mutex> lock(mutex);
-        parked.push_back(std::move(operation));
-    }
-    if (state.load() == ConnectionState::Connected) {
-        Post([this] { LaunchParked(); });
-    }
+    // Sent again on the next report of `Connected`, not at once: the state may not show the loss
+    // yet, and a retry then would only fail again. A command that stays parked ends at its time
+    // limit.
+    std::lock_guard<std::mutex> lock(mutex);
+    parked.push_back(std::move(operation));
 }
 
 void Engine::LaunchParked() {
