@@ -3,6 +3,7 @@
 // callbacks from one application thread, and the lag of the dial lane behind a slow server.
 
 #include <atomic>
+#include <iterator>
 #include <condition_variable>
 #include <memory>
 #include <mutex>
@@ -10,6 +11,7 @@
 #include <thread>
 
 #include <benchmark/benchmark.h>
+#include <zmq_addon.hpp>
 
 #include <Korvo/Plexis/Tessel/Client/Connection.h>
 
@@ -33,6 +35,8 @@ constexpr int kTurn = 64;
 
 // The responder over TCP, in a context of its own as a server in another process would be.
 struct TcpServer {
+    // The bare DEALER's context, the one the library's sockets use.
+    std::shared_ptr<zmq::context_t> clientContext = Common::Messaging::Detail::SharedZmqContext();
     zmq::context_t context;
     PingResponder responder{context, "tcp://127.0.0.1:*"};
 };
@@ -52,7 +56,7 @@ bool PingThrough(Connection& connection) {
 void RoundTripPaired(benchmark::State& state) {
     TcpServer server;
     auto connection = ConnectedTo(server.responder.Address());
-    BareDealer dealer(*Common::Messaging::Detail::SharedZmqContext(), server.responder.Address());
+    BareDealer dealer(*server.clientContext, server.responder.Address());
     if (!connection || !PingThrough(*connection) || !dealer.RoundTrip()) {
         state.SkipWithError("no answer from the responder");
         return;
@@ -123,7 +127,7 @@ void PipelinedLibrary(benchmark::State& state, int window) {
 // One thread keeps `window` pings in flight on one DEALER: it sends a new one per reply.
 void PipelinedZmq(benchmark::State& state, int window) {
     TcpServer server;
-    BareDealer dealer(*Common::Messaging::Detail::SharedZmqContext(), server.responder.Address());
+    BareDealer dealer(*server.clientContext, server.responder.Address());
     if (!dealer.RoundTrip()) {
         state.SkipWithError("no answer from the responder");
         return;

@@ -367,7 +367,9 @@ void Engine::Register(const std::shared_ptr<OperationCore>& operation) {
         std::lock_guard<std::mutex> lock(mutex);
         operation->slot = deadlines.emplace(operation->deadline, operation);
         operation->registered = true;
-        earliest = operation->slot == deadlines.begin();
+        // The callback thread is woken only when it would sleep past this time limit: in a steady
+        // flow of commands it wakes about once per time limit, not once per command.
+        earliest = operation->deadline < sleepingUntil;
     }
     if (earliest) {
         wake.notify_one();
@@ -383,12 +385,21 @@ void Engine::Unregister(const std::shared_ptr<OperationCore>& operation) {
 }
 
 void Engine::Park(std::shared_ptr<OperationCore> operation) {
+    // Sent again on the next report of `Connected`, not at once: the state may not show the loss
+    // yet, and a retry then would only fail again. A command that stays parked ends at its time
+    // limit.
+    std::lock_guard<std::mutex> lock(mutex);
+    parked.push_back(std::move(operation));
+}
+
+void Engine::LaunchParked() {
+    std::vector<std::shared_ptr<OperationCore>> again;
     {
         std::lock_guard<std::mutex> lock(mutex);
-        parked.push_back(std::move(operation));
+        again.swap(parked);
     }
-    if (state.load() == ConnectionState::Connected) {
-        OnState(ConnectionState::Connected);  // launches the parked operations
+    for (auto& operation : again) {
+        operation->Launch();
     }
 }
 
@@ -456,14 +467,7 @@ void Engine::OnState(ConnectionState now) {
     }
     Post([this, now] {
         if (now == ConnectionState::Connected) {
-            std::vector<std::shared_ptr<OperationCore>> again;
-            {
-                std::lock_guard<std::mutex> lock(mutex);
-                again.swap(parked);
-            }
-            for (auto& operation : again) {
-                operation->Launch();
-            }
+            LaunchParked();
         }
         std::vector<std::shared_ptr<std::function<void(ConnectionState)>>> calls;
         {
@@ -520,11 +524,13 @@ void Engine::Run() {
             continue;
         }
         if (deadlines.empty()) {
+            sleepingUntil = Clock::time_point::max();
             wake.wait(lock);
         } else {
-            const Clock::time_point next = deadlines.begin()->first;  // the node may go meanwhile
-            wake.wait_until(lock, next);
+            sleepingUntil = deadlines.begin()->first;  // a copy: the entry may go meanwhile
+            wake.wait_until(lock, sleepingUntil);
         }
+        sleepingUntil = Clock::time_point::min();
     }
     onCallbackThread = false;
 }

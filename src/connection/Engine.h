@@ -124,6 +124,8 @@ public:
 
 private:
     void Run();
+    // On the callback thread: sends the operations kept by `Park` again.
+    void LaunchParked();
 
     std::mutex mutex;
     std::condition_variable wake;
@@ -132,6 +134,8 @@ private:
     std::vector<std::shared_ptr<OperationCore>> parked;
     bool stopping = false;
     bool closed = false;
+    // Until when the callback thread sleeps; `min` while it is awake.
+    Clock::time_point sleepingUntil = Clock::time_point::min();
 
     struct Lane {
         std::shared_ptr<OperationCore> inFlight;
