@@ -292,7 +292,11 @@ ConversionResult Convert(Source&& source, Target& target) {
         target = std::forward<Source>(source);
         return {};
     } else if constexpr (IsVector<S>::value) {
-        target.clear();
+        // When encoding, elements already there are overwritten whole (every field of a record
+        // is), keeping the room their own texts and lists have.
+        if constexpr (Way == Direction::FromWire) {
+            target.clear();
+        }
         target.resize(source.size());
         for (std::size_t index = 0; index < source.size(); ++index) {
             auto result = Convert<Way>(Detail::Pass<Source>(source[index]), target[index]);
