@@ -1,9 +1,12 @@
 #include <gtest/gtest.h>
 
 #include <stdexcept>
+#include <string>
 
 #include <Korvo/Common/Serialization/DeserializerImpl.h>
 #include <Korvo/Common/Serialization/InvalidConversionException.h>
+#include <Korvo/Common/Serialization/Serializer.h>
+#include <Korvo/Common/Serialization/SerializerImpl.h>
 #include <Korvo/Plexis/Tessel/Client/ChannelsCommandParamsPayloadBuilder.h>
 #include <Korvo/Plexis/Tessel/Client/DataCommandParamsPayloadBuilder.h>
 #include <Korvo/Plexis/Tessel/Serialization/Thrift/Commands/Converters.h>
@@ -288,6 +291,40 @@ TEST(PayloadBuilders, ConversionFailuresNameTheRecordAndField) {
                      "GoIdleCommandParams.players[]: the channel is undefined; name a player or "
                      "a recorder");
     }
+}
+
+}  // namespace
+}  // namespace Korvo::Testing
+
+namespace Korvo::Testing {
+namespace {
+
+// The serializer keeps its wire record from one call to the next: a payload must carry nothing
+// of the one before, whether a list got shorter or an optional field went unset.
+template <class D, class W>
+void ExpectNothingCarriedOver(const D& first, const D& second) {
+    using namespace Common::Serialization;
+    using Encode = Plexis::Tessel::Serialization::Thrift::ToThriftConverter<D, W>;
+    Serializer<SerializerImpl<W>, D, Encode> serializer;
+    serializer.Serialize(first);
+    const auto reused = serializer.Serialize(second);
+    W fresh;
+    ASSERT_TRUE(Encode().To(second, fresh).success);
+    const auto expected = SerializerImpl<W>().Serialize(fresh);
+    EXPECT_EQ(std::string(reinterpret_cast<const char*>(reused->Pointer()), reused->Size()),
+              std::string(reinterpret_cast<const char*>(expected->Pointer()), expected->Size()));
+}
+
+TEST(Serializer, APayloadCarriesNothingOfThePreviousOne) {
+    auto fewer = Samples::Filled<CreateClipsCommandParams>(2);
+    fewer.clips.resize(1);
+    fewer.clips[0].clip = Plexis::Data::Clips::Clip();
+    ExpectNothingCarriedOver<CreateClipsCommandParams, Wire::CreateClipsCommandParams>(
+        Samples::Filled<CreateClipsCommandParams>(1), fewer);
+    ExpectNothingCarriedOver<UpdateAnglesGroupCommandParams,
+                             Wire::UpdateAnglesGroupCommandParams>(
+        Samples::Filled<UpdateAnglesGroupCommandParams>(1),
+        WithId<UpdateAnglesGroupCommandParams>("unset-angles"));
 }
 
 }  // namespace
