@@ -49,8 +49,8 @@ struct Leaf {};
 template <class Domain, class Wire, class = void>
 struct HasLeaf : std::false_type {};
 template <class Domain, class Wire>
-struct HasLeaf<Domain, Wire, std::void_t<decltype(&Leaf<Domain, Wire>::ToWire)>>
-    : std::true_type {};
+struct HasLeaf<Domain, Wire, std::void_t<decltype(&Leaf<Domain, Wire>::ToWire)>> : std::true_type {
+};
 
 template <class Wire, class = void>
 struct HasRecordFields : std::false_type {};
@@ -134,17 +134,16 @@ template <class Domain>
 constexpr bool Names(const char* wireName) {
     return std::apply(
         [&](const auto&... entry) {
-            return (
-                [&](const auto& one) {
-                    using Entry = std::decay_t<decltype(one)>;
-                    if constexpr (Descriptors::IsBaseEntry<Entry>::value) {
-                        return one.wireName == nullptr ? Names<typename Entry::Type>(wireName)
-                                                       : SameName(one.wireName, wireName);
-                    } else {
-                        return one.wireName != nullptr && SameName(one.wireName, wireName);
-                    }
-                }(entry) ||
-                ...);
+            return ([&](const auto& one) {
+                using Entry = std::decay_t<decltype(one)>;
+                if constexpr (Descriptors::IsBaseEntry<Entry>::value) {
+                    return one.wireName == nullptr ? Names<typename Entry::Type>(wireName)
+                                                   : SameName(one.wireName, wireName);
+                } else {
+                    return one.wireName != nullptr && SameName(one.wireName, wireName);
+                }
+            }(entry) ||
+                    ...);
         },
         Domain::Descriptor());
 }
@@ -249,10 +248,9 @@ ConversionResult ConvertEntry(DomainRef&& domain, WireRef&& wire) {
 template <Direction Way, class Domain, class Wire, class DomainRef, class WireRef, std::size_t... K>
 ConversionResult ConvertEntries(DomainRef&& domain, WireRef&& wire, std::index_sequence<K...>) {
     ConversionResult result;
-    ((result.success ? (result = ConvertEntry<Way, Domain, Wire, K>(
-                                 domain, static_cast<WireRef&&>(wire)),
-                         0)
-                      : 0),
+    ((result.success
+          ? (result = ConvertEntry<Way, Domain, Wire, K>(domain, static_cast<WireRef&&>(wire)), 0)
+          : 0),
      ...);
     return result;
 }

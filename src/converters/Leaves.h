@@ -11,8 +11,8 @@
 #include <Korvo/Plexis/Data/Channels/Guid.h>
 #include <Korvo/Plexis/Data/Channels/LoadBoundary.h>
 #include <Korvo/Plexis/Data/Guid.h>
-#include <Korvo/Plexis/Tessel/Serialization/Thrift/Generated/Channels_types.h>
 #include <Korvo/Plexis/Tessel/Serialization/Thrift/Commands/Converters.h>
+#include <Korvo/Plexis/Tessel/Serialization/Thrift/Generated/Channels_types.h>
 #include <Korvo/Plexis/Tessel/Serialization/Thrift/Generated/Common_types.h>
 #include <Korvo/Plexis/Tessel/Serialization/Thrift/Notifier/Converters.h>
 
@@ -120,8 +120,7 @@ struct Leaf<Events::RecorderStateChangedEventArgs, WireEvents::RecorderStateChan
 
 template <>
 struct Leaf<Events::PlayerStateChangedEventArgs, WireEvents::PlayerStateChangedEventArgs>
-    : ChannelEventLeaf<Events::PlayerStateChangedEventArgs,
-                       WireEvents::PlayerStateChangedEventArgs, DomainData::Channels::Guid::Player> {
-};
+    : ChannelEventLeaf<Events::PlayerStateChangedEventArgs, WireEvents::PlayerStateChangedEventArgs,
+                       DomainData::Channels::Guid::Player> {};
 
 }  // namespace Korvo::Plexis::Tessel::Serialization::Thrift::Mapping

@@ -46,7 +46,8 @@ Common::Serialization::ConversionResult FromThriftConverter<Wire, Domain>::To(
 template <class Wire, class Domain>
 Common::Serialization::ConversionResult FromThriftConverter<Wire, Domain>::To(
     Wire&& source, Domain& target) const {
-    return Mapping::Prefixed(RecordName<Domain>::value, Mapping::FromWire(std::move(source), target));
+    return Mapping::Prefixed(RecordName<Domain>::value,
+                             Mapping::FromWire(std::move(source), target));
 }
 
 }  // namespace Korvo::Plexis::Tessel::Serialization::Thrift

@@ -1,8 +1,9 @@
 #pragma once
 
 // Conversion between domain values and JSON, both directions, driven by each class's own field
-// list (`KORVO_FIELDS`): the same list serves writing and reading. Leaves (numbers, texts, identifiers, channels, time codes) have a codec of their own;
-// containers and classes with a field list are walked.
+// list (`KORVO_FIELDS`): the same list serves writing and reading. Leaves (numbers, texts,
+// identifiers, channels, time codes) have a codec of their own; containers and classes with a field
+// list are walked.
 //
 // Reading is strict: a value of the wrong JSON type, an unknown key, a missing required field and
 // a value out of range each fail with a `JsonError` that names the path of the offending field.
@@ -74,8 +75,8 @@ template <class T, class Enable = void>
 struct Codec;
 
 using Data::FieldList::HasDescriptor;
-using Data::FieldList::IsSet;
 using Data::FieldList::IsOptional;
+using Data::FieldList::IsSet;
 
 /// A new command identifier: a random version-4 UUID in its usual text form.
 std::string NewCommandGuid();
@@ -329,8 +330,8 @@ std::string Dump(const Value& json, int indent);
 }  // namespace Korvo::Plexis::Tessel::Json::Detail
 
 /// The members of `Type` that a JSON object must give, by name.
-#define KORVO_JSON_REQUIRED(Type, ...)                       \
-    template <>                                              \
-    struct Required<Type> {                                  \
+#define KORVO_JSON_REQUIRED(Type, ...)                        \
+    template <>                                               \
+    struct Required<Type> {                                   \
         static constexpr const char* names[] = {__VA_ARGS__}; \
     }

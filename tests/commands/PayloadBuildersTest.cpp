@@ -321,8 +321,7 @@ TEST(Serializer, APayloadCarriesNothingOfThePreviousOne) {
     fewer.clips[0].clip = Plexis::Data::Clips::Clip();
     ExpectNothingCarriedOver<CreateClipsCommandParams, Wire::CreateClipsCommandParams>(
         Samples::Filled<CreateClipsCommandParams>(1), fewer);
-    ExpectNothingCarriedOver<UpdateAnglesGroupCommandParams,
-                             Wire::UpdateAnglesGroupCommandParams>(
+    ExpectNothingCarriedOver<UpdateAnglesGroupCommandParams, Wire::UpdateAnglesGroupCommandParams>(
         Samples::Filled<UpdateAnglesGroupCommandParams>(1),
         WithId<UpdateAnglesGroupCommandParams>("unset-angles"));
 }

@@ -53,28 +53,38 @@ constexpr MemberField<Class, Member> MakeMember(const char* name, Member Owner::
 #define KORVO_BASE_FIELDS(Base) (KorvoBase, Base, nullptr)
 #define KORVO_BASE_FIELDS_AS(Base, wireName) (KorvoBase, Base, #wireName)
 
-#define KORVO_FIELDS(Type, ...)                                                       \
-    static constexpr auto Descriptor() {                                              \
+#define KORVO_FIELDS(Type, ...)                                                           \
+    static constexpr auto Descriptor() {                                                  \
         return std::make_tuple(KORVO_PP_EACH(KORVO_FIELD_DESCRIPTOR, Type, __VA_ARGS__)); \
-    }                                                                                 \
-    auto Fields() const {                                                             \
-        return std::tuple_cat(KORVO_PP_EACH(KORVO_FIELD_TIE, Type, __VA_ARGS__));     \
-    }                                                                                 \
+    }                                                                                     \
+    auto Fields() const {                                                                 \
+        return std::tuple_cat(KORVO_PP_EACH(KORVO_FIELD_TIE, Type, __VA_ARGS__));         \
+    }                                                                                     \
     KORVO_COMPARED_BY_FIELDS(Type)
 
-#define KORVO_NO_FIELDS(Type)                                    \
-    static constexpr auto Descriptor() { return std::tuple<>(); } \
-    auto Fields() const { return std::tuple<>(); }                \
+#define KORVO_NO_FIELDS(Type)            \
+    static constexpr auto Descriptor() { \
+        return std::tuple<>();           \
+    }                                    \
+    auto Fields() const {                \
+        return std::tuple<>();           \
+    }                                    \
     KORVO_COMPARED_BY_FIELDS(Type)
 
 // Implementation: each item is either a bare member name or a parenthesised (tag, name, wire).
-#define KORVO_FIELD_DESCRIPTOR(T, x) KORVO_PP_CAT(KORVO_FIELD_DESCRIPTOR_, KORVO_PP_IS_PAREN(x))(T, x)
+#define KORVO_FIELD_DESCRIPTOR(T, x) \
+    KORVO_PP_CAT(KORVO_FIELD_DESCRIPTOR_, KORVO_PP_IS_PAREN(x))(T, x)
 #define KORVO_FIELD_DESCRIPTOR_0(T, m) KORVO_FIELD_DESCRIPTOR_KorvoMember(T, m, #m)
-#define KORVO_FIELD_DESCRIPTOR_1(T, x) KORVO_PP_CALL(KORVO_FIELD_DESCRIPTOR_TAGGED, T, KORVO_PP_UNPAREN x)
-#define KORVO_FIELD_DESCRIPTOR_TAGGED(T, tag, ...) KORVO_PP_CAT(KORVO_FIELD_DESCRIPTOR_, tag)(T, __VA_ARGS__)
+#define KORVO_FIELD_DESCRIPTOR_1(T, x) \
+    KORVO_PP_CALL(KORVO_FIELD_DESCRIPTOR_TAGGED, T, KORVO_PP_UNPAREN x)
+#define KORVO_FIELD_DESCRIPTOR_TAGGED(T, tag, ...) \
+    KORVO_PP_CAT(KORVO_FIELD_DESCRIPTOR_, tag)(T, __VA_ARGS__)
 #define KORVO_FIELD_DESCRIPTOR_KorvoMember(T, m, wire) \
     ::Korvo::Plexis::Data::FieldList::MakeMember<T>(#m, &T::m, wire)
-#define KORVO_FIELD_DESCRIPTOR_KorvoBase(T, B, wire) ::Korvo::Plexis::Data::FieldList::BaseFields<B>{wire}
+#define KORVO_FIELD_DESCRIPTOR_KorvoBase(T, B, wire)  \
+    ::Korvo::Plexis::Data::FieldList::BaseFields<B> { \
+        wire                                          \
+    }
 
 #define KORVO_FIELD_TIE(T, x) KORVO_PP_CAT(KORVO_FIELD_TIE_, KORVO_PP_IS_PAREN(x))(T, x)
 #define KORVO_FIELD_TIE_0(T, m) std::tie(m)
@@ -93,8 +103,7 @@ constexpr MemberField<Class, Member> MakeMember(const char* name, Member Owner::
 #define KORVO_PP_IS_PAREN(x) KORVO_PP_SECOND_(KORVO_PP_PROBE x, 0, ~)
 
 // KORVO_PP_EACH(M, T, a, b, ...) is M(T, a), M(T, b), ... for up to 64 items.
-#define KORVO_PP_EACH(M, T, ...) \
-    KORVO_PP_EACH_N(KORVO_PP_COUNT(__VA_ARGS__), M, T, __VA_ARGS__)
+#define KORVO_PP_EACH(M, T, ...) KORVO_PP_EACH_N(KORVO_PP_COUNT(__VA_ARGS__), M, T, __VA_ARGS__)
 #define KORVO_PP_EACH_N(N, M, T, ...) KORVO_PP_EACH_N2(N, M, T, __VA_ARGS__)
 #define KORVO_PP_EACH_N2(N, M, T, ...) KORVO_PP_EACH_##N(M, T, __VA_ARGS__)
 #define KORVO_PP_EACH_1(M, T, x) M(T, x)
@@ -161,6 +170,14 @@ constexpr MemberField<Class, Member> MakeMember(const char* name, Member Owner::
 #define KORVO_PP_EACH_62(M, T, x, ...) M(T, x), KORVO_PP_EACH_61(M, T, __VA_ARGS__)
 #define KORVO_PP_EACH_63(M, T, x, ...) M(T, x), KORVO_PP_EACH_62(M, T, __VA_ARGS__)
 #define KORVO_PP_EACH_64(M, T, x, ...) M(T, x), KORVO_PP_EACH_63(M, T, __VA_ARGS__)
-#define KORVO_PP_COUNT(...) \
-    KORVO_PP_COUNT_N(__VA_ARGS__, 64, 63, 62, 61, 60, 59, 58, 57, 56, 55, 54, 53, 52, 51, 50, 49, 48, 47, 46, 45, 44, 43, 42, 41, 40, 39, 38, 37, 36, 35, 34, 33, 32, 31, 30, 29, 28, 27, 26, 25, 24, 23, 22, 21, 20, 19, 18, 17, 16, 15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0)
-#define KORVO_PP_COUNT_N(_1, _2, _3, _4, _5, _6, _7, _8, _9, _10, _11, _12, _13, _14, _15, _16, _17, _18, _19, _20, _21, _22, _23, _24, _25, _26, _27, _28, _29, _30, _31, _32, _33, _34, _35, _36, _37, _38, _39, _40, _41, _42, _43, _44, _45, _46, _47, _48, _49, _50, _51, _52, _53, _54, _55, _56, _57, _58, _59, _60, _61, _62, _63, _64, N, ...) N
+#define KORVO_PP_COUNT(...)                                                                       \
+    KORVO_PP_COUNT_N(__VA_ARGS__, 64, 63, 62, 61, 60, 59, 58, 57, 56, 55, 54, 53, 52, 51, 50, 49, \
+                     48, 47, 46, 45, 44, 43, 42, 41, 40, 39, 38, 37, 36, 35, 34, 33, 32, 31, 30,  \
+                     29, 28, 27, 26, 25, 24, 23, 22, 21, 20, 19, 18, 17, 16, 15, 14, 13, 12, 11,  \
+                     10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0)
+#define KORVO_PP_COUNT_N(_1, _2, _3, _4, _5, _6, _7, _8, _9, _10, _11, _12, _13, _14, _15, _16, \
+                         _17, _18, _19, _20, _21, _22, _23, _24, _25, _26, _27, _28, _29, _30,  \
+                         _31, _32, _33, _34, _35, _36, _37, _38, _39, _40, _41, _42, _43, _44,  \
+                         _45, _46, _47, _48, _49, _50, _51, _52, _53, _54, _55, _56, _57, _58,  \
+                         _59, _60, _61, _62, _63, _64, N, ...)                                  \
+    N

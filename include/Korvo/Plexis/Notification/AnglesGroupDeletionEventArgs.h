@@ -14,8 +14,8 @@ public:
     Data::Clips::Groups::Guid groupGuid;  ///< the group deleted
     std::int64_t revision = 0;            ///< clip database revision after the change
 
-    KORVO_FIELDS(AnglesGroupDeletionEventArgs, KORVO_BASE_FIELDS_AS(ClipCommandEventArgs, command), groupGuid,
-                 revision)
+    KORVO_FIELDS(AnglesGroupDeletionEventArgs, KORVO_BASE_FIELDS_AS(ClipCommandEventArgs, command),
+                 groupGuid, revision)
 };
 
 }  // namespace Korvo::Plexis::Notification

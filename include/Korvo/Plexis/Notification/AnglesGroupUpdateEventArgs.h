@@ -14,8 +14,8 @@ public:
     Data::Clips::Groups::AnglesGroup anglesGroup;  ///< the group as updated
     std::int64_t revision = 0;                     ///< clip database revision after the change
 
-    KORVO_FIELDS(AnglesGroupUpdateEventArgs, KORVO_BASE_FIELDS_AS(ClipCommandEventArgs, command), anglesGroup,
-                 revision)
+    KORVO_FIELDS(AnglesGroupUpdateEventArgs, KORVO_BASE_FIELDS_AS(ClipCommandEventArgs, command),
+                 anglesGroup, revision)
 };
 
 }  // namespace Korvo::Plexis::Notification

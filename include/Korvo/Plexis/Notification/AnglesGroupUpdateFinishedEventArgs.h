@@ -1,6 +1,5 @@
 #pragma once
 
-
 #include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Notification/AnglesGroupUpdateEventArgs.h>
 
@@ -9,7 +8,8 @@ namespace Korvo::Plexis::Notification {
 /// An angles group was updated ("AnglesGroupUpdateFinished").
 class AnglesGroupUpdateFinishedEventArgs : public AnglesGroupUpdateEventArgs {
 public:
-    KORVO_FIELDS(AnglesGroupUpdateFinishedEventArgs, KORVO_BASE_FIELDS_AS(AnglesGroupUpdateEventArgs, update))
+    KORVO_FIELDS(AnglesGroupUpdateFinishedEventArgs,
+                 KORVO_BASE_FIELDS_AS(AnglesGroupUpdateEventArgs, update))
 };
 
 }  // namespace Korvo::Plexis::Notification

@@ -18,8 +18,8 @@ public:
     std::string outTimecode;       ///< out point of the new clip, as displayed
     std::int64_t revision = 0;     ///< clip database revision after the change
 
-    KORVO_FIELDS(ClipCreationEventArgs, KORVO_BASE_FIELDS_AS(ClipCommandEventArgs, command), clip, sourceClip,
-                 inTimecode, outTimecode, revision)
+    KORVO_FIELDS(ClipCreationEventArgs, KORVO_BASE_FIELDS_AS(ClipCommandEventArgs, command), clip,
+                 sourceClip, inTimecode, outTimecode, revision)
 };
 
 }  // namespace Korvo::Plexis::Notification

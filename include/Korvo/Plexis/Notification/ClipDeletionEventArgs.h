@@ -14,7 +14,8 @@ public:
     Data::Clips::Clip clip;     ///< the clip deleted
     std::int64_t revision = 0;  ///< clip database revision after the change
 
-    KORVO_FIELDS(ClipDeletionEventArgs, KORVO_BASE_FIELDS_AS(ClipCommandEventArgs, command), clip, revision)
+    KORVO_FIELDS(ClipDeletionEventArgs, KORVO_BASE_FIELDS_AS(ClipCommandEventArgs, command), clip,
+                 revision)
 };
 
 }  // namespace Korvo::Plexis::Notification

@@ -15,8 +15,8 @@ public:
     Data::Clips::Clip newClip;  ///< the clip where it goes
     std::int64_t revision = 0;  ///< clip database revision after the change
 
-    KORVO_FIELDS(ClipMoveEventArgs, KORVO_BASE_FIELDS_AS(ClipCommandEventArgs, command), oldClip, newClip,
-                 revision)
+    KORVO_FIELDS(ClipMoveEventArgs, KORVO_BASE_FIELDS_AS(ClipCommandEventArgs, command), oldClip,
+                 newClip, revision)
 };
 
 }  // namespace Korvo::Plexis::Notification

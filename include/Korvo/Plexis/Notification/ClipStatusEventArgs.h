@@ -1,6 +1,5 @@
 #pragma once
 
-
 #include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Notification/StatusEventArgs.h>
 

@@ -16,8 +16,8 @@ public:
     bool succeeded = false;     ///< the update was applied
     std::int64_t revision = 0;  ///< clip database revision after the change
 
-    KORVO_FIELDS(ClipUpdateEventArgs, KORVO_BASE_FIELDS_AS(ClipCommandEventArgs, command), oldClip, newClip,
-                 succeeded, revision)
+    KORVO_FIELDS(ClipUpdateEventArgs, KORVO_BASE_FIELDS_AS(ClipCommandEventArgs, command), oldClip,
+                 newClip, succeeded, revision)
 };
 
 }  // namespace Korvo::Plexis::Notification

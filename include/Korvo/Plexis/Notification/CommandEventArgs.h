@@ -24,8 +24,7 @@ public:
     std::string userName;             ///< the operator or application behind the change
 
     KORVO_FIELDS(CommandEventArgs, commandGuid, serverId, KORVO_THIS_SIDE_ONLY(originType),
-                 channelNumber, KORVO_THIS_SIDE_ONLY(sequenceNumber),
-                 result, timestamp, userName)
+                 channelNumber, KORVO_THIS_SIDE_ONLY(sequenceNumber), result, timestamp, userName)
 };
 
 }  // namespace Korvo::Plexis::Notification

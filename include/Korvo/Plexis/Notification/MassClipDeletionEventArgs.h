@@ -13,8 +13,8 @@ public:
     std::int64_t clipCount = 0;  ///< number of clips deleted
     std::int64_t revision = 0;   ///< clip database revision after the change
 
-    KORVO_FIELDS(MassClipDeletionEventArgs, KORVO_BASE_FIELDS_AS(ClipCommandEventArgs, command), clipCount,
-                 revision)
+    KORVO_FIELDS(MassClipDeletionEventArgs, KORVO_BASE_FIELDS_AS(ClipCommandEventArgs, command),
+                 clipCount, revision)
 };
 
 }  // namespace Korvo::Plexis::Notification

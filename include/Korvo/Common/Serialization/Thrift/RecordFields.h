@@ -11,8 +11,8 @@ namespace Korvo::Common::Serialization::Thrift::Fields {
 enum class Presence { Required, Default, Optional };
 
 /// `List`: a `std::tuple` of one type per field, in definition order, each with `Type`, `name`,
-/// `presence`, `Get(record)`, `IsSet(record)` and `MarkSet(record, set)` (always set, and a no-op, for
-/// required fields).
+/// `presence`, `Get(record)`, `IsSet(record)` and `MarkSet(record, set)` (always set, and a no-op,
+/// for required fields).
 template <class Record>
 struct RecordFields;
 

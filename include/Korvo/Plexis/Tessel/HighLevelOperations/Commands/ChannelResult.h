@@ -1,6 +1,5 @@
 #pragma once
 
-
 #include <Korvo/Plexis/Data/Channels/Guid.h>
 #include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Data/OperationStatus.h>

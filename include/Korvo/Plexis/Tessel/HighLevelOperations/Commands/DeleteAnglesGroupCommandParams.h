@@ -1,6 +1,5 @@
 #pragma once
 
-
 #include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Data/Guid.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/CommandParams.h>

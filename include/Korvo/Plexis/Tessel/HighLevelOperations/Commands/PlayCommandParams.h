@@ -15,7 +15,8 @@ struct PlayCommandParams : CommandParams {
     std::int32_t speedNum = 1;               ///< play speed numerator
     std::int32_t speedDen = 1;               ///< play speed denominator
 
-    KORVO_FIELDS(PlayCommandParams, KORVO_WIRE_NAME(commandGuid, commandId), players, speedNum, speedDen)
+    KORVO_FIELDS(PlayCommandParams, KORVO_WIRE_NAME(commandGuid, commandId), players, speedNum,
+                 speedDen)
 };
 
 }  // namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands

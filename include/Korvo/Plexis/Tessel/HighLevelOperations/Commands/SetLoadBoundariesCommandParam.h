@@ -1,6 +1,5 @@
 #pragma once
 
-
 #include <Korvo/Plexis/Data/Channels/LoadBoundary.h>
 #include <Korvo/Plexis/Data/FieldList.h>
 
