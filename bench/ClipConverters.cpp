@@ -3,7 +3,6 @@
 
 #include <Korvo/Plexis/Tessel/Serialization/Thrift/Generated/Clips_types.h>
 
-#include "converters/DataMappings.h"
 #include "converters/RecordConverterImpl.h"
 
 namespace Korvo::Plexis::Tessel::Serialization::Thrift {

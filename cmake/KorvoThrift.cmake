@@ -2,12 +2,14 @@
 
 find_program(THRIFT_EXECUTABLE thrift REQUIRED)
 set(korvo_record_reading_script ${CMAKE_CURRENT_LIST_DIR}/KorvoRecordReading.cmake)
+set(korvo_record_fields_script ${CMAKE_CURRENT_LIST_DIR}/KorvoRecordFields.cmake)
 
 # korvo_thrift_generate(<sources-var> OUTPUT_DIR <dir> FILES <file.thrift>... [INCLUDE_DIRS <dir>...])
 #
 # Runs `thrift --gen cpp:templates,moveable_types` on each file into OUTPUT_DIR and stores the
 # generated .cpp files in <sources-var>; the headers (<name>_types.h and .tcc) sit beside them.
-# The readers of the .tcc are then routed through our reading helpers (KorvoRecordReading.cmake).
+# The readers of the .tcc are then routed through our reading helpers (KorvoRecordReading.cmake),
+# and <name>_fields.h lists each record's fields for the converters (KorvoRecordFields.cmake).
 # Each generated file depends on every file of the call (an edit of an included definition
 # regenerates its includers), so editing a .thrift file rebuilds exactly what depends on it.
 function(korvo_thrift_generate var)
@@ -27,7 +29,8 @@ function(korvo_thrift_generate var)
         set(outputs
             ${ARG_OUTPUT_DIR}/${name}_types.h
             ${ARG_OUTPUT_DIR}/${name}_types.tcc
-            ${ARG_OUTPUT_DIR}/${name}_types.cpp)
+            ${ARG_OUTPUT_DIR}/${name}_types.cpp
+            ${ARG_OUTPUT_DIR}/${name}_fields.h)
         add_custom_command(
             OUTPUT ${outputs}
             COMMAND ${CMAKE_COMMAND} -E make_directory ${ARG_OUTPUT_DIR}
@@ -35,7 +38,9 @@ function(korvo_thrift_generate var)
                     -out ${ARG_OUTPUT_DIR} ${absolute}
             COMMAND ${CMAKE_COMMAND} -DFILE=${ARG_OUTPUT_DIR}/${name}_types.tcc
                     -P ${korvo_record_reading_script}
-            DEPENDS ${all_files} ${korvo_record_reading_script}
+            COMMAND ${CMAKE_COMMAND} -DIDL=${absolute} -DOUTPUT=${ARG_OUTPUT_DIR}/${name}_fields.h
+                    -DTYPES=${name}_types.h -P ${korvo_record_fields_script}
+            DEPENDS ${all_files} ${korvo_record_reading_script} ${korvo_record_fields_script}
             COMMENT "Generating C++ records from ${name}.thrift"
             VERBATIM)
         list(APPEND sources ${ARG_OUTPUT_DIR}/${name}_types.cpp)

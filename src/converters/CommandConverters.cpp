@@ -1,6 +1,5 @@
 #include <Korvo/Plexis/Tessel/Serialization/Thrift/Commands/Converters.h>
 
-#include "converters/CommandMappings.h"
 #include "converters/RecordConverterImpl.h"
 
 namespace Korvo::Plexis::Tessel::Serialization::Thrift {

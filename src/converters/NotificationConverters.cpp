@@ -1,6 +1,5 @@
 #include <Korvo/Plexis/Tessel/Serialization/Thrift/Notifier/Converters.h>
 
-#include "converters/NotificationMappings.h"
 #include "converters/RecordConverterImpl.h"
 
 namespace Korvo::Plexis::Tessel::Serialization::Thrift {

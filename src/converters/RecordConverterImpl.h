@@ -9,7 +9,7 @@
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/CommandParams.h>
 #include <Korvo/Plexis/Tessel/Serialization/Thrift/RecordConverters.h>
 
-#include "converters/FieldMapping.h"
+#include "converters/Leaves.h"
 
 namespace Korvo::Plexis::Tessel::Serialization::Thrift {
 
@@ -46,7 +46,8 @@ Common::Serialization::ConversionResult FromThriftConverter<Wire, Domain>::To(
 template <class Wire, class Domain>
 Common::Serialization::ConversionResult FromThriftConverter<Wire, Domain>::To(
     Wire&& source, Domain& target) const {
-    return To(static_cast<const Wire&>(source), target);
+    return Mapping::Prefixed(RecordName<Domain>::value,
+                             Mapping::FromWire(std::move(source), target));
 }
 
 }  // namespace Korvo::Plexis::Tessel::Serialization::Thrift

@@ -1,7 +1,6 @@
 #include <Korvo/Plexis/Tessel/Serialization/Thrift/Commands/Converters.h>
 
 #include "converters/RecordConverterImpl.h"
-#include "converters/ReplyMappings.h"
 
 namespace Korvo::Plexis::Tessel::Serialization::Thrift {
 

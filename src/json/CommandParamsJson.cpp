@@ -3,7 +3,7 @@
 #include <Korvo/Plexis/Tessel/Client/CommandTypes.h>
 
 #include "json/FamilyTable.h"
-#include "json/JsonTables.h"
+#include "json/RequiredFields.h"
 
 namespace Korvo::Plexis::Tessel::Json {
 namespace {

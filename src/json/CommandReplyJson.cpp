@@ -1,7 +1,7 @@
 #include <Korvo/Plexis/Tessel/Json/CommandReplyJson.h>
 
 #include "json/FamilyTable.h"
-#include "json/JsonTables.h"
+#include "json/RequiredFields.h"
 
 namespace Korvo::Plexis::Tessel::Json {
 namespace {

@@ -1,9 +1,9 @@
 #pragma once
 
-// Conversion between domain values and JSON, both directions, driven by one field list per class
-// (`FieldList<T>`): each row is a member's name and pointer, and the same list serves writing and
-// reading. Leaves (numbers, texts, identifiers, channels, time codes) have a codec of their own;
-// containers and classes with a field list are walked.
+// Conversion between domain values and JSON, both directions, driven by each class's own field
+// list (`KORVO_FIELDS`): the same list serves writing and reading. Leaves (numbers, texts,
+// identifiers, channels, time codes) have a codec of their own; containers and classes with a field
+// list are walked.
 //
 // Reading is strict: a value of the wrong JSON type, an unknown key, a missing required field and
 // a value out of range each fail with a `JsonError` that names the path of the offending field.
@@ -32,7 +32,7 @@
 #include <Korvo/Plexis/Tessel/Json/JsonError.h>
 #include <Korvo/TimePoints/TimeCode.h>
 
-#include "converters/FieldMapping.h"
+#include "descriptors/Descriptors.h"
 
 namespace Korvo::Plexis::Tessel::Json::Detail {
 
@@ -70,24 +70,13 @@ private:
 };
 
 /// The JSON form of one type: `Write(value, json)` and `Read(json, value, reader)`. Specialised
-/// below for leaves and containers; classes with a field list use `FieldList`.
+/// below for leaves and containers; classes with a field list are walked.
 template <class T, class Enable = void>
 struct Codec;
 
-/// The field list of a class, a tuple of rows; specialised (KORVO_JSON_FIELDS) in JsonTables.h.
-template <class T>
-struct FieldList;
-
-template <class T, class = void>
-struct HasFieldList : std::false_type {};
-template <class T>
-struct HasFieldList<T, std::void_t<decltype(FieldList<T>::Rows())>> : std::true_type {};
-
-template <class T>
-struct IsOptional : std::false_type {};
-using Serialization::Thrift::Mapping::IsSet;
-template <class T>
-struct IsOptional<std::optional<T>> : std::true_type {};
+using Data::FieldList::HasDescriptor;
+using Data::FieldList::IsOptional;
+using Data::FieldList::IsSet;
 
 /// A new command identifier: a random version-4 UUID in its usual text form.
 std::string NewCommandGuid();
@@ -133,94 +122,48 @@ void ReadMember(const Value& object, const char* name, T& value, Reader& reader,
     }
 }
 
-/// A row of a field list: a member of the class (or of one of its bases).
-template <class Class, class Member>
-struct Field {
-    const char* name;
-    Member Class::*member;
-    bool required;
-
-    template <class T>
-    void Write(const T& object, Value& json) const {
-        WriteMember(name, object.*member, json);
-    }
-    template <class T>
-    void Read(const Value& json, T& object, Reader& reader) const {
-        ReadMember(json, name, object.*member, reader, required);
-    }
-    void Names(std::vector<const char*>& names) const { names.push_back(name); }
+/// The members of a class that a JSON object must give (when read); none unless the class has a
+/// list (KORVO_JSON_REQUIRED in RequiredFields.h).
+template <class T>
+struct Required {
+    static constexpr const char* names[] = {""};
 };
 
-/// A row that brings in every row of the base class `Base`'s list, in the same JSON object.
-template <class Base>
-struct BaseFields;
-
-template <class T, class Visit>
-void ForEachRow(Visit&& visit) {
-    std::apply([&](const auto&... row) { (visit(row), ...); }, FieldList<T>::Rows());
+constexpr bool SameName(const char* left, const char* right) {
+    while (*left != '\0' && *left == *right) {
+        ++left;
+        ++right;
+    }
+    return *left == *right;
 }
 
-template <class Base>
-struct BaseFields {
-    template <class T>
-    void Write(const T& object, Value& json) const {
-        ForEachRow<Base>(
-            [&](const auto& row) { row.Write(static_cast<const Base&>(object), json); });
-    }
-    template <class T>
-    void Read(const Value& json, T& object, Reader& reader) const {
-        ForEachRow<Base>(
-            [&](const auto& row) { row.Read(json, static_cast<Base&>(object), reader); });
-    }
-    void Names(std::vector<const char*>& names) const {
-        ForEachRow<Base>([&](const auto& row) { row.Names(names); });
-    }
-};
-
-// The member types a field list covers, flattened through its base rows, so that the list can be
-// checked against the members the class compares (`Fields()`).
-template <class Row>
-struct RowTypes;
 template <class T>
-struct ListTypes {
-    template <class... Rows>
-    static auto Of(const std::tuple<Rows...>&)
-        -> decltype(std::tuple_cat(std::declval<typename RowTypes<Rows>::type>()...));
-    using type = decltype(Of(FieldList<T>::Rows()));
-};
-template <class Class, class Member>
-struct RowTypes<Field<Class, Member>> {
-    using type = std::tuple<Member>;
-};
-template <class Base>
-struct RowTypes<BaseFields<Base>> {
-    using type = typename ListTypes<Base>::type;
-};
-template <class Tuple>
-struct Decayed;
-template <class... Ts>
-struct Decayed<std::tuple<Ts...>> {
-    using type = std::tuple<std::decay_t<Ts>...>;
-};
-template <class T>
-using ComparedTypes = typename Decayed<decltype(std::declval<const T&>().Fields())>::type;
+constexpr bool IsRequired(const char* name) {
+    for (const char* required : Required<T>::names) {
+        if (SameName(required, name)) {
+            return true;
+        }
+    }
+    return false;
+}
 
-/// A class with a field list: an object of its fields, in list order.
+/// A class with a field list (`KORVO_FIELDS`): an object of its fields, in list order, those of
+/// its bases first.
 template <class T>
-struct Codec<T, std::enable_if_t<HasFieldList<T>::value>> {
-    static_assert(std::is_same_v<typename ListTypes<T>::type, ComparedTypes<T>>,
-                  "a JSON field list must name the members of the class's Fields(), in order");
-
+struct Codec<T, std::enable_if_t<HasDescriptor<T>::value>> {
     static void Write(const T& value, Value& json) {
         json = Value::object();
-        ForEachRow<T>([&](const auto& row) { row.Write(value, json); });
+        Data::FieldList::ForEachMember<T>(
+            [&](const auto& entry) { WriteMember(entry.name, value.*(entry.pointer), json); });
     }
     static void Read(const Value& json, T& value, Reader& reader) {
         reader.Expect(json.is_object(), "an object", json);
         std::vector<const char*> known;
-        ForEachRow<T>([&](const auto& row) { row.Names(known); });
+        Data::FieldList::ForEachMember<T>([&](const auto& entry) { known.push_back(entry.name); });
         CheckKeys(json, known, reader);
-        ForEachRow<T>([&](const auto& row) { row.Read(json, value, reader); });
+        Data::FieldList::ForEachMember<T>([&](const auto& entry) {
+            ReadMember(json, entry.name, value.*(entry.pointer), reader, IsRequired<T>(entry.name));
+        });
         if constexpr (std::is_base_of_v<HighLevelOperations::Commands::CommandParams, T>) {
             // Every command needs an identifier of its own; a person typing one in need not.
             if (!json.contains("commandGuid")) {
@@ -386,28 +329,9 @@ std::string Dump(const Value& json, int indent);
 
 }  // namespace Korvo::Plexis::Tessel::Json::Detail
 
-// clang-format off
-/// Declares the field list of `Type`; the rows follow, then KORVO_JSON_END.
-#define KORVO_JSON_FIELDS(Type)                 \
-    template <>                                 \
-    struct FieldList<Type> {                    \
-        using T = Type;                         \
-        static auto Rows() { return std::make_tuple(
-#define KORVO_JSON_END \
-    ); }               \
+/// The members of `Type` that a JSON object must give, by name.
+#define KORVO_JSON_REQUIRED(Type, ...)                        \
+    template <>                                               \
+    struct Required<Type> {                                   \
+        static constexpr const char* names[] = {__VA_ARGS__}; \
     }
-// clang-format on
-
-/// A member that may be left out (it keeps the class's default); written always.
-#define KORVO_JSON_FIELD(member)    \
-    Field<T, decltype(T::member)> { \
-#member, &T::member, false  \
-    }
-/// A member that must be present when read.
-#define KORVO_JSON_REQUIRED(member) \
-    Field<T, decltype(T::member)> { \
-#member, &T::member, true   \
-    }
-/// Every row of the field list of the base class `Base`.
-#define KORVO_JSON_BASE(Base) \
-    BaseFields<Base> {}

@@ -6,6 +6,8 @@
 
 #include <Korvo/Common/Serialization/DeserializerImpl.h>
 #include <Korvo/Common/Serialization/InvalidConversionException.h>
+#include <Korvo/Common/Serialization/Serializer.h>
+#include <Korvo/Common/Serialization/SerializerImpl.h>
 #include <Korvo/Plexis/Tessel/Client/ChannelsCommandParamsPayloadBuilder.h>
 #include <Korvo/Plexis/Tessel/Client/CommandTypes.h>
 #include <Korvo/Plexis/Tessel/Client/DataCommandParamsPayloadBuilder.h>
@@ -110,6 +112,39 @@ TEST(PayloadBuilders, ConversionFailuresNameTheRecordAndField) {
         EXPECT_EQ(std::string(error.what()).rfind("PlayCommandParams.commandGuid: ", 0), 0u)
             << error.what();
     }
+}
+
+}  // namespace
+}  // namespace Korvo::Testing
+
+namespace Korvo::Testing {
+namespace {
+
+// The serializer keeps its wire record from one call to the next: a payload must carry nothing
+// of the one before, whether a list got shorter or an optional field went unset.
+template <class D, class W>
+void ExpectNothingCarriedOver(const D& first, const D& second) {
+    using namespace Common::Serialization;
+    using Encode = Plexis::Tessel::Serialization::Thrift::ToThriftConverter<D, W>;
+    Serializer<SerializerImpl<W>, D, Encode> serializer;
+    serializer.Serialize(first);
+    const auto reused = serializer.Serialize(second);
+    W fresh;
+    ASSERT_TRUE(Encode().To(second, fresh).success);
+    const auto expected = SerializerImpl<W>().Serialize(fresh);
+    EXPECT_EQ(std::string(reinterpret_cast<const char*>(reused->Pointer()), reused->Size()),
+              std::string(reinterpret_cast<const char*>(expected->Pointer()), expected->Size()));
+}
+
+TEST(Serializer, APayloadCarriesNothingOfThePreviousOne) {
+    auto fewer = Samples::Filled<CreateClipsCommandParams>(2);
+    fewer.clips.resize(1);
+    fewer.clips[0].clip = Plexis::Data::Clips::Clip();
+    ExpectNothingCarriedOver<CreateClipsCommandParams, Wire::CreateClipsCommandParams>(
+        Samples::Filled<CreateClipsCommandParams>(1), fewer);
+    ExpectNothingCarriedOver<UpdateAnglesGroupCommandParams, Wire::UpdateAnglesGroupCommandParams>(
+        Samples::Filled<UpdateAnglesGroupCommandParams>(1),
+        WithId<UpdateAnglesGroupCommandParams>("unset-angles"));
 }
 
 }  // namespace

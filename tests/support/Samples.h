@@ -23,7 +23,7 @@
 #include <Korvo/Plexis/Multiviewer/PlayerDataOverrides.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/ChannelCommandReply.h>
 
-#include "converters/FieldMapping.h"
+#include "descriptors/Descriptors.h"
 
 namespace Korvo::Testing::Samples {
 
@@ -44,9 +44,9 @@ Data::OperationStatus Status(int seed = 1);
 
 namespace Fill {
 
-using Plexis::Tessel::Serialization::Thrift::Mapping::IsMap;
-using Plexis::Tessel::Serialization::Thrift::Mapping::IsSet;
-using Plexis::Tessel::Serialization::Thrift::Mapping::IsVector;
+using Plexis::Data::FieldList::IsMap;
+using Plexis::Data::FieldList::IsSet;
+using Plexis::Data::FieldList::IsVector;
 template <class T>
 struct IsOptional : std::false_type {};
 template <class T>

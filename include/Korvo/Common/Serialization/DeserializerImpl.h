@@ -26,11 +26,19 @@ inline constexpr int kDeepestRecordNesting = 8;
 namespace Detail {
 /// Decoder limits for one frame of `size` bytes: a message can never claim more than the frame,
 /// nor nest deeper than `kDeepestRecordNesting`.
+apache::thrift::TConfiguration FrameLimits(unsigned int size);
 std::shared_ptr<apache::thrift::TConfiguration> FrameConfiguration(unsigned int size);
+
+/// A shared pointer to an object that outlives every copy of it, without a count of its own.
+template <class T>
+std::shared_ptr<T> Unowned(T& object) {
+    return std::shared_ptr<T>(std::shared_ptr<T>(), &object);
+}
 }  // namespace Detail
 
 /// Decodes compact-protocol bytes into one wire record `G`, reading them in place (no copy).
-/// Keeps no mutable state; may run on any number of threads at once.
+/// Keeps no mutable state; may run on any number of threads at once. The frame's limits,
+/// transport and protocol live on the stack of each call: decoding allocates only for the record.
 template <class G>
 class DeserializerImpl {
 public:
@@ -48,10 +56,10 @@ public:
     void Deserialize(const unsigned char* bytes, unsigned int size, G& record) const {
         using apache::thrift::transport::TMemoryBuffer;
         try {
-            auto transport = std::make_shared<Thrift::PermissiveMemoryBuffer>(
-                const_cast<unsigned char*>(bytes), size, TMemoryBuffer::OBSERVE,
-                Detail::FrameConfiguration(size));
-            Thrift::BoundedCompactProtocol protocol(transport, budget.For(size));
+            auto limits = Detail::FrameLimits(size);
+            Thrift::PermissiveMemoryBuffer frame(const_cast<unsigned char*>(bytes), size,
+                                                 TMemoryBuffer::OBSERVE, Detail::Unowned(limits));
+            Thrift::BoundedCompactProtocol protocol(Detail::Unowned(frame), budget.For(size));
             record.read(&protocol);
         } catch (const apache::thrift::TException&) {
             throw InvalidFormatException(kUnparsableInputMessage);

@@ -14,15 +14,25 @@ class Serializer {
 public:
     /// The encoded bytes. Throws `InvalidConversionException` with the converter's message when
     /// the conversion fails (no buffer is made), and whatever `Impl::Serialize` throws.
+    ///
+    /// The wire record is kept by each thread from one call to the next, so that its texts and
+    /// lists keep their room: encoding a value shaped like the last allocates nothing for the
+    /// record. After a payload over `kKeptPayloadBytes` the record is let go instead.
     std::unique_ptr<Buffer> Serialize(const D& source) const {
         const C converter;
-        typename Impl::Record record;
+        thread_local typename Impl::Record record;
         const auto result = converter.To(source, record);
         if (!result.success) {
             throw InvalidConversionException(result.message);
         }
-        return Impl().Serialize(record);
+        auto bytes = Impl().Serialize(record);
+        if (bytes->Size() > kKeptPayloadBytes) {
+            record = typename Impl::Record();
+        }
+        return bytes;
     }
+
+    static constexpr unsigned int kKeptPayloadBytes = 1024 * 1024;
 };
 
 }  // namespace Korvo::Common::Serialization

@@ -1,9 +1,8 @@
 #pragma once
 
 #include <cstdint>
-#include <tuple>
 
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 
 namespace Korvo::Plexis::Data {
 
@@ -13,8 +12,7 @@ struct OperationStatus {
     std::int32_t code = 0;     ///< the outcome itself (success or the kind of failure)
     std::int32_t reason = 11;  ///< the finer reason behind the outcome
 
-    auto Fields() const { return std::tie(code, reason); }
-    KORVO_COMPARED_BY_FIELDS(OperationStatus)
+    KORVO_FIELDS(OperationStatus, code, reason)
 };
 
 }  // namespace Korvo::Plexis::Data

@@ -3,10 +3,9 @@
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <tuple>
 
 #include <Korvo/Plexis/Data/Channels/Guid.h>
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 
 namespace Korvo::Plexis::Multiviewer {
 
@@ -22,11 +21,8 @@ struct PlayerDataOverrides {
     std::optional<bool> isPostRollEnabled;
     std::optional<std::string> message;  ///< text shown for the player
 
-    auto Fields() const {
-        return std::tie(playerGuid, clipCreationIn, clipCreationOut, isFirstControlledMediaOutput,
-                        controlMode, programMode, isPostRollEnabled, message);
-    }
-    KORVO_COMPARED_BY_FIELDS(PlayerDataOverrides)
+    KORVO_FIELDS(PlayerDataOverrides, playerGuid, clipCreationIn, clipCreationOut,
+                 isFirstControlledMediaOutput, controlMode, programMode, isPostRollEnabled, message)
 };
 
 }  // namespace Korvo::Plexis::Multiviewer

@@ -1,8 +1,6 @@
 #pragma once
 
-#include <tuple>
-
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Notification/AnglesGroupCreationEventArgs.h>
 
 namespace Korvo::Plexis::Notification {
@@ -10,8 +8,8 @@ namespace Korvo::Plexis::Notification {
 /// An angles group was created ("AnglesGroupCreationFinished").
 class AnglesGroupCreationFinishedEventArgs : public AnglesGroupCreationEventArgs {
 public:
-    auto Fields() const { return std::tuple_cat(AnglesGroupCreationEventArgs::Fields()); }
-    KORVO_COMPARED_BY_FIELDS(AnglesGroupCreationFinishedEventArgs)
+    KORVO_FIELDS(AnglesGroupCreationFinishedEventArgs,
+                 KORVO_BASE_FIELDS_AS(AnglesGroupCreationEventArgs, creation))
 };
 
 }  // namespace Korvo::Plexis::Notification

@@ -1,8 +1,6 @@
 #pragma once
 
-#include <tuple>
-
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Notification/AnglesGroupDeletionEventArgs.h>
 
 namespace Korvo::Plexis::Notification {
@@ -10,8 +8,8 @@ namespace Korvo::Plexis::Notification {
 /// An angles group was deleted ("AnglesGroupDeletionFinished").
 class AnglesGroupDeletionFinishedEventArgs : public AnglesGroupDeletionEventArgs {
 public:
-    auto Fields() const { return std::tuple_cat(AnglesGroupDeletionEventArgs::Fields()); }
-    KORVO_COMPARED_BY_FIELDS(AnglesGroupDeletionFinishedEventArgs)
+    KORVO_FIELDS(AnglesGroupDeletionFinishedEventArgs,
+                 KORVO_BASE_FIELDS_AS(AnglesGroupDeletionEventArgs, deletion))
 };
 
 }  // namespace Korvo::Plexis::Notification

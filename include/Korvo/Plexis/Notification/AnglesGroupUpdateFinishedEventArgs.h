@@ -1,8 +1,6 @@
 #pragma once
 
-#include <tuple>
-
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Notification/AnglesGroupUpdateEventArgs.h>
 
 namespace Korvo::Plexis::Notification {
@@ -10,8 +8,8 @@ namespace Korvo::Plexis::Notification {
 /// An angles group was updated ("AnglesGroupUpdateFinished").
 class AnglesGroupUpdateFinishedEventArgs : public AnglesGroupUpdateEventArgs {
 public:
-    auto Fields() const { return std::tuple_cat(AnglesGroupUpdateEventArgs::Fields()); }
-    KORVO_COMPARED_BY_FIELDS(AnglesGroupUpdateFinishedEventArgs)
+    KORVO_FIELDS(AnglesGroupUpdateFinishedEventArgs,
+                 KORVO_BASE_FIELDS_AS(AnglesGroupUpdateEventArgs, update))
 };
 
 }  // namespace Korvo::Plexis::Notification

@@ -1,10 +1,9 @@
 #pragma once
 
 #include <cstdint>
-#include <tuple>
 
 #include <Korvo/Plexis/Data/Channels/Guid.h>
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Notification/StatusEventArgs.h>
 
 namespace Korvo::Plexis::Notification {
@@ -17,11 +16,8 @@ public:
     std::int32_t serverId = 0;            ///< the server that hosts the channel
     std::int64_t timestamp = 0;           ///< server clock when the state changed
 
-    auto Fields() const {
-        return std::tuple_cat(StatusEventArgs::Fields(),
-                              std::tie(channelGuid, serverId, timestamp));
-    }
-    KORVO_COMPARED_BY_FIELDS(ChannelStatusEventArgs)
+    KORVO_FIELDS(ChannelStatusEventArgs, KORVO_BASE_FIELDS(StatusEventArgs), channelGuid, serverId,
+                 timestamp)
 };
 
 }  // namespace Korvo::Plexis::Notification

@@ -1,8 +1,6 @@
 #pragma once
 
-#include <tuple>
-
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Notification/CommandEventArgs.h>
 
 namespace Korvo::Plexis::Notification {
@@ -10,8 +8,7 @@ namespace Korvo::Plexis::Notification {
 /// Base of the clip and angles-group notifications.
 class ClipCommandEventArgs : public CommandEventArgs {
 public:
-    auto Fields() const { return std::tuple_cat(CommandEventArgs::Fields()); }
-    KORVO_COMPARED_BY_FIELDS(ClipCommandEventArgs)
+    KORVO_FIELDS(ClipCommandEventArgs, KORVO_BASE_FIELDS(CommandEventArgs))
 };
 
 }  // namespace Korvo::Plexis::Notification

@@ -2,10 +2,9 @@
 
 #include <cstdint>
 #include <string>
-#include <tuple>
 
 #include <Korvo/Plexis/Data/Clips/Clip.h>
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Notification/ClipCommandEventArgs.h>
 
 namespace Korvo::Plexis::Notification {
@@ -19,11 +18,8 @@ public:
     std::string outTimecode;       ///< out point of the new clip, as displayed
     std::int64_t revision = 0;     ///< clip database revision after the change
 
-    auto Fields() const {
-        return std::tuple_cat(ClipCommandEventArgs::Fields(),
-                              std::tie(clip, sourceClip, inTimecode, outTimecode, revision));
-    }
-    KORVO_COMPARED_BY_FIELDS(ClipCreationEventArgs)
+    KORVO_FIELDS(ClipCreationEventArgs, KORVO_BASE_FIELDS_AS(ClipCommandEventArgs, command), clip,
+                 sourceClip, inTimecode, outTimecode, revision)
 };
 
 }  // namespace Korvo::Plexis::Notification

@@ -1,8 +1,6 @@
 #pragma once
 
-#include <tuple>
-
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Notification/ClipCreationEventArgs.h>
 
 namespace Korvo::Plexis::Notification {
@@ -10,8 +8,7 @@ namespace Korvo::Plexis::Notification {
 /// A clip was created ("ClipCreationFinished").
 class ClipCreationFinishedEventArgs : public ClipCreationEventArgs {
 public:
-    auto Fields() const { return std::tuple_cat(ClipCreationEventArgs::Fields()); }
-    KORVO_COMPARED_BY_FIELDS(ClipCreationFinishedEventArgs)
+    KORVO_FIELDS(ClipCreationFinishedEventArgs, KORVO_BASE_FIELDS(ClipCreationEventArgs))
 };
 
 }  // namespace Korvo::Plexis::Notification

@@ -1,8 +1,6 @@
 #pragma once
 
-#include <tuple>
-
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Notification/ClipDeletionEventArgs.h>
 
 namespace Korvo::Plexis::Notification {
@@ -10,8 +8,7 @@ namespace Korvo::Plexis::Notification {
 /// A clip was deleted ("ClipDeletionFinished").
 class ClipDeletionFinishedEventArgs : public ClipDeletionEventArgs {
 public:
-    auto Fields() const { return std::tuple_cat(ClipDeletionEventArgs::Fields()); }
-    KORVO_COMPARED_BY_FIELDS(ClipDeletionFinishedEventArgs)
+    KORVO_FIELDS(ClipDeletionFinishedEventArgs, KORVO_BASE_FIELDS(ClipDeletionEventArgs))
 };
 
 }  // namespace Korvo::Plexis::Notification

@@ -1,10 +1,9 @@
 #pragma once
 
 #include <cstdint>
-#include <tuple>
 
 #include <Korvo/Plexis/Data/Clips/Clip.h>
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Notification/ClipCommandEventArgs.h>
 
 namespace Korvo::Plexis::Notification {
@@ -16,10 +15,8 @@ public:
     Data::Clips::Clip newClip;  ///< the clip where it goes
     std::int64_t revision = 0;  ///< clip database revision after the change
 
-    auto Fields() const {
-        return std::tuple_cat(ClipCommandEventArgs::Fields(), std::tie(oldClip, newClip, revision));
-    }
-    KORVO_COMPARED_BY_FIELDS(ClipMoveEventArgs)
+    KORVO_FIELDS(ClipMoveEventArgs, KORVO_BASE_FIELDS_AS(ClipCommandEventArgs, command), oldClip,
+                 newClip, revision)
 };
 
 }  // namespace Korvo::Plexis::Notification

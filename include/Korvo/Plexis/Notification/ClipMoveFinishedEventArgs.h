@@ -1,8 +1,6 @@
 #pragma once
 
-#include <tuple>
-
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Notification/ClipMoveEventArgs.h>
 
 namespace Korvo::Plexis::Notification {
@@ -10,8 +8,7 @@ namespace Korvo::Plexis::Notification {
 /// A clip was moved ("ClipMoveFinished").
 class ClipMoveFinishedEventArgs : public ClipMoveEventArgs {
 public:
-    auto Fields() const { return std::tuple_cat(ClipMoveEventArgs::Fields()); }
-    KORVO_COMPARED_BY_FIELDS(ClipMoveFinishedEventArgs)
+    KORVO_FIELDS(ClipMoveFinishedEventArgs, KORVO_BASE_FIELDS(ClipMoveEventArgs))
 };
 
 }  // namespace Korvo::Plexis::Notification

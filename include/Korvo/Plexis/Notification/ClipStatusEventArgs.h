@@ -1,8 +1,6 @@
 #pragma once
 
-#include <tuple>
-
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Notification/StatusEventArgs.h>
 
 namespace Korvo::Plexis::Notification {
@@ -10,8 +8,7 @@ namespace Korvo::Plexis::Notification {
 /// Base of the clip status notifications.
 class ClipStatusEventArgs : public StatusEventArgs {
 public:
-    auto Fields() const { return std::tuple_cat(StatusEventArgs::Fields()); }
-    KORVO_COMPARED_BY_FIELDS(ClipStatusEventArgs)
+    KORVO_FIELDS(ClipStatusEventArgs, KORVO_BASE_FIELDS(StatusEventArgs))
 };
 
 }  // namespace Korvo::Plexis::Notification

@@ -1,10 +1,9 @@
 #pragma once
 
 #include <cstdint>
-#include <tuple>
 
 #include <Korvo/Plexis/Data/Clips/Clip.h>
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Notification/ClipCommandEventArgs.h>
 
 namespace Korvo::Plexis::Notification {
@@ -17,11 +16,8 @@ public:
     bool succeeded = false;     ///< the update was applied
     std::int64_t revision = 0;  ///< clip database revision after the change
 
-    auto Fields() const {
-        return std::tuple_cat(ClipCommandEventArgs::Fields(),
-                              std::tie(oldClip, newClip, succeeded, revision));
-    }
-    KORVO_COMPARED_BY_FIELDS(ClipUpdateEventArgs)
+    KORVO_FIELDS(ClipUpdateEventArgs, KORVO_BASE_FIELDS_AS(ClipCommandEventArgs, command), oldClip,
+                 newClip, succeeded, revision)
 };
 
 }  // namespace Korvo::Plexis::Notification

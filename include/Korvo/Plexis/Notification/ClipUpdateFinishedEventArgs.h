@@ -1,8 +1,6 @@
 #pragma once
 
-#include <tuple>
-
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Notification/ClipUpdateEventArgs.h>
 
 namespace Korvo::Plexis::Notification {
@@ -10,8 +8,7 @@ namespace Korvo::Plexis::Notification {
 /// A clip was updated ("ClipUpdateFinished").
 class ClipUpdateFinishedEventArgs : public ClipUpdateEventArgs {
 public:
-    auto Fields() const { return std::tuple_cat(ClipUpdateEventArgs::Fields()); }
-    KORVO_COMPARED_BY_FIELDS(ClipUpdateFinishedEventArgs)
+    KORVO_FIELDS(ClipUpdateFinishedEventArgs, KORVO_BASE_FIELDS(ClipUpdateEventArgs))
 };
 
 }  // namespace Korvo::Plexis::Notification

@@ -2,9 +2,8 @@
 
 #include <cstdint>
 #include <string>
-#include <tuple>
 
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Data/Guid.h>
 
 namespace Korvo::Plexis::Notification {
@@ -24,11 +23,8 @@ public:
     std::int64_t timestamp = 0;       ///< server clock when the event happened
     std::string userName;             ///< the operator or application behind the change
 
-    auto Fields() const {
-        return std::tuple_cat(std::tie(commandGuid, serverId, originType, channelNumber,
-                                       sequenceNumber, result, timestamp, userName));
-    }
-    KORVO_COMPARED_BY_FIELDS(CommandEventArgs)
+    KORVO_FIELDS(CommandEventArgs, commandGuid, serverId, KORVO_THIS_SIDE_ONLY(originType),
+                 channelNumber, KORVO_THIS_SIDE_ONLY(sequenceNumber), result, timestamp, userName)
 };
 
 }  // namespace Korvo::Plexis::Notification

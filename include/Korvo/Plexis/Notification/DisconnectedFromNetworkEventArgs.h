@@ -1,8 +1,6 @@
 #pragma once
 
-#include <tuple>
-
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Notification/ServerStatusEventArgs.h>
 
 namespace Korvo::Plexis::Notification {
@@ -10,8 +8,7 @@ namespace Korvo::Plexis::Notification {
 /// A server lost the network ("DisconnectedFromNetwork").
 class DisconnectedFromNetworkEventArgs : public ServerStatusEventArgs {
 public:
-    auto Fields() const { return std::tuple_cat(ServerStatusEventArgs::Fields()); }
-    KORVO_COMPARED_BY_FIELDS(DisconnectedFromNetworkEventArgs)
+    KORVO_FIELDS(DisconnectedFromNetworkEventArgs, KORVO_BASE_FIELDS(ServerStatusEventArgs))
 };
 
 }  // namespace Korvo::Plexis::Notification

@@ -1,9 +1,8 @@
 #pragma once
 
 #include <cstdint>
-#include <tuple>
 
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Notification/ClipCommandEventArgs.h>
 
 namespace Korvo::Plexis::Notification {
@@ -14,10 +13,8 @@ public:
     std::int64_t clipCount = 0;  ///< number of clips deleted
     std::int64_t revision = 0;   ///< clip database revision after the change
 
-    auto Fields() const {
-        return std::tuple_cat(ClipCommandEventArgs::Fields(), std::tie(clipCount, revision));
-    }
-    KORVO_COMPARED_BY_FIELDS(MassClipDeletionEventArgs)
+    KORVO_FIELDS(MassClipDeletionEventArgs, KORVO_BASE_FIELDS_AS(ClipCommandEventArgs, command),
+                 clipCount, revision)
 };
 
 }  // namespace Korvo::Plexis::Notification

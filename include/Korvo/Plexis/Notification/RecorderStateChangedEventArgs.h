@@ -1,9 +1,7 @@
 #pragma once
 
-#include <tuple>
-
 #include <Korvo/Plexis/Data/Channels/RecorderState.h>
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Notification/ChannelStatusEventArgs.h>
 
 namespace Korvo::Plexis::Notification {
@@ -13,10 +11,7 @@ class RecorderStateChangedEventArgs : public ChannelStatusEventArgs {
 public:
     Data::Channels::RecorderState state;  ///< the new state
 
-    auto Fields() const {
-        return std::tuple_cat(ChannelStatusEventArgs::Fields(), std::tie(state));
-    }
-    KORVO_COMPARED_BY_FIELDS(RecorderStateChangedEventArgs)
+    KORVO_FIELDS(RecorderStateChangedEventArgs, KORVO_BASE_FIELDS(ChannelStatusEventArgs), state)
 };
 
 }  // namespace Korvo::Plexis::Notification

@@ -1,11 +1,10 @@
 #pragma once
 
-#include <tuple>
 #include <vector>
 
 #include <Korvo/Plexis/Data/Channels/Guid.h>
 #include <Korvo/Plexis/Data/Clips/RecordingRange.h>
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Notification/ClipStatusEventArgs.h>
 
 namespace Korvo::Plexis::Notification {
@@ -18,11 +17,8 @@ public:
     bool isRecording = false;                         ///< the recorder is recording now
     bool isLoopRecording = false;                     ///< the train is recorded in a loop
 
-    auto Fields() const {
-        return std::tuple_cat(ClipStatusEventArgs::Fields(),
-                              std::tie(channelGuid, ranges, isRecording, isLoopRecording));
-    }
-    KORVO_COMPARED_BY_FIELDS(RecordingRangesChangedEventArgs)
+    KORVO_FIELDS(RecordingRangesChangedEventArgs, KORVO_BASE_FIELDS(ClipStatusEventArgs),
+                 channelGuid, ranges, isRecording, isLoopRecording)
 };
 
 }  // namespace Korvo::Plexis::Notification

@@ -1,8 +1,6 @@
 #pragma once
 
-#include <tuple>
-
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Data/Servers/ServerInfo.h>
 #include <Korvo/Plexis/Notification/ServerStatusEventArgs.h>
 
@@ -13,10 +11,7 @@ class ServerAddedEventArgs : public ServerStatusEventArgs {
 public:
     Data::Servers::ServerInfo server;  ///< what is known of it
 
-    auto Fields() const {
-        return std::tuple_cat(ServerStatusEventArgs::Fields(), std::tie(server));
-    }
-    KORVO_COMPARED_BY_FIELDS(ServerAddedEventArgs)
+    KORVO_FIELDS(ServerAddedEventArgs, KORVO_BASE_FIELDS(ServerStatusEventArgs), server)
 };
 
 }  // namespace Korvo::Plexis::Notification

@@ -1,9 +1,8 @@
 #pragma once
 
 #include <cstdint>
-#include <tuple>
 
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Notification/StatusEventArgs.h>
 
 namespace Korvo::Plexis::Notification {
@@ -13,8 +12,7 @@ class ServerStatusEventArgs : public StatusEventArgs {
 public:
     std::int32_t serverId = 0;  ///< the server concerned
 
-    auto Fields() const { return std::tuple_cat(StatusEventArgs::Fields(), std::tie(serverId)); }
-    KORVO_COMPARED_BY_FIELDS(ServerStatusEventArgs)
+    KORVO_FIELDS(ServerStatusEventArgs, KORVO_BASE_FIELDS(StatusEventArgs), serverId)
 };
 
 }  // namespace Korvo::Plexis::Notification

@@ -1,8 +1,6 @@
 #pragma once
 
-#include <tuple>
-
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/System/EventArgs.h>
 
 namespace Korvo::Plexis::Notification {
@@ -10,8 +8,7 @@ namespace Korvo::Plexis::Notification {
 /// Base of the status notifications.
 class StatusEventArgs : public System::EventArgs {
 public:
-    auto Fields() const { return std::tuple_cat(); }
-    KORVO_COMPARED_BY_FIELDS(StatusEventArgs)
+    KORVO_NO_FIELDS(StatusEventArgs)
 };
 
 }  // namespace Korvo::Plexis::Notification

@@ -2,9 +2,8 @@
 
 #include <cstdint>
 #include <optional>
-#include <tuple>
 
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 
 namespace Korvo::Plexis::Data::Channels {
 
@@ -29,8 +28,7 @@ struct LoadBoundary {
         return boundary;
     }
 
-    auto Fields() const { return std::tie(type, absoluteTimepoint, relativeFieldCount); }
-    KORVO_COMPARED_BY_FIELDS(LoadBoundary)
+    KORVO_FIELDS(LoadBoundary, type, absoluteTimepoint, relativeFieldCount)
 };
 
 }  // namespace Korvo::Plexis::Data::Channels

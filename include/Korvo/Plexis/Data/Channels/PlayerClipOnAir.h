@@ -2,10 +2,9 @@
 
 #include <cstdint>
 #include <string>
-#include <tuple>
 
 #include <Korvo/Plexis/Data/Clips/Clip.h>
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 
 namespace Korvo::Plexis::Data::Channels {
 
@@ -16,8 +15,7 @@ struct PlayerClipOnAir {
     std::string todTimecode;    ///< time-of-day time code of the on-air field, as displayed
     std::string userTimecode;   ///< user time code of the on-air field, as displayed
 
-    auto Fields() const { return std::tie(clip, position, todTimecode, userTimecode); }
-    KORVO_COMPARED_BY_FIELDS(PlayerClipOnAir)
+    KORVO_FIELDS(PlayerClipOnAir, clip, position, todTimecode, userTimecode)
 };
 
 }  // namespace Korvo::Plexis::Data::Channels

@@ -1,9 +1,8 @@
 #pragma once
 
 #include <cstdint>
-#include <tuple>
 
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 
 namespace Korvo::Plexis::Data::Channels {
 
@@ -28,13 +27,10 @@ struct PlayerInfoOnAir {
     std::int64_t sequenceDuration = 0;  ///< length of a loaded sequence, in fields
     std::int64_t updateTimestamp = 0;   ///< server clock when these numbers were taken
 
-    auto Fields() const {
-        return std::tie(speedNumerator, speedDenominator, playMode, loopMode, elementIndex,
-                        elementCount, loopCount, videoStandard, controlMode, timepoint, position,
-                        inPoint, outPoint, duration, remaining, sequencePosition, sequenceDuration,
-                        updateTimestamp);
-    }
-    KORVO_COMPARED_BY_FIELDS(PlayerInfoOnAir)
+    KORVO_FIELDS(PlayerInfoOnAir, speedNumerator, speedDenominator, playMode, loopMode,
+                 elementIndex, elementCount, loopCount, videoStandard, controlMode, timepoint,
+                 position, inPoint, outPoint, duration, remaining, sequencePosition,
+                 sequenceDuration, updateTimestamp)
 };
 
 }  // namespace Korvo::Plexis::Data::Channels

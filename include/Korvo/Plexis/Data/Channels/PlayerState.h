@@ -2,12 +2,11 @@
 
 #include <cstdint>
 #include <string>
-#include <tuple>
 
 #include <Korvo/Plexis/Data/Channels/LoadBoundary.h>
 #include <Korvo/Plexis/Data/Channels/PlayerClipOnAir.h>
 #include <Korvo/Plexis/Data/Channels/PlayerInfoOnAir.h>
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 
 namespace Korvo::Plexis::Data::Channels {
 
@@ -37,14 +36,11 @@ struct PlayerState {
     LoadBoundary inBoundary;              ///< first load boundary
     LoadBoundary outBoundary;             ///< second load boundary
 
-    auto Fields() const {
-        return std::tie(timestamp, channelNumber, channelName, serverId, playMode, infoOnAir,
-                        currentClip, nextClip, cueTimepoint, currentTimepoint, liveTimepoint,
-                        chainTimepoint, loadedClipUmId, loadedSequenceUmId, liveRecorderName,
-                        currentTimecode, inTimecode, outTimecode, remainingTimecode,
-                        durationTimecode, loadedMaterialType, inBoundary, outBoundary);
-    }
-    KORVO_COMPARED_BY_FIELDS(PlayerState)
+    KORVO_FIELDS(PlayerState, timestamp, channelNumber, channelName, serverId, playMode, infoOnAir,
+                 currentClip, nextClip, cueTimepoint, currentTimepoint, liveTimepoint,
+                 chainTimepoint, loadedClipUmId, loadedSequenceUmId, liveRecorderName,
+                 currentTimecode, inTimecode, outTimecode, remainingTimecode, durationTimecode,
+                 loadedMaterialType, inBoundary, outBoundary)
 };
 
 }  // namespace Korvo::Plexis::Data::Channels

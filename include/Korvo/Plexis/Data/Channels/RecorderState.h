@@ -2,10 +2,9 @@
 
 #include <cstdint>
 #include <string>
-#include <tuple>
 
 #include <Korvo/Plexis/Data/Clips/Clip.h>
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 
 namespace Korvo::Plexis::Data::Channels {
 
@@ -25,12 +24,9 @@ struct RecorderState {
     std::int64_t remainingFields = 0;       ///< fields of storage left
     Clips::Clip clip;                       ///< the recorder's clip
 
-    auto Fields() const {
-        return std::tie(timestamp, channelNumber, channelName, serverId, isRecording,
-                        recordStartTimepoint, currentTimepoint, currentTimecode,
-                        recordStartTimecode, recordMode, recordedFields, remainingFields, clip);
-    }
-    KORVO_COMPARED_BY_FIELDS(RecorderState)
+    KORVO_FIELDS(RecorderState, timestamp, channelNumber, channelName, serverId, isRecording,
+                 recordStartTimepoint, currentTimepoint, currentTimecode, recordStartTimecode,
+                 recordMode, recordedFields, remainingFields, clip)
 };
 
 }  // namespace Korvo::Plexis::Data::Channels

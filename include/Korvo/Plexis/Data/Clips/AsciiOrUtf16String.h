@@ -1,10 +1,9 @@
 #pragma once
 
 #include <string>
-#include <tuple>
 #include <utility>
 
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 
 namespace Korvo::Plexis::Data::Clips {
 
@@ -20,8 +19,7 @@ struct AsciiOrUtf16String {
     /// An 8-bit text.
     static AsciiOrUtf16String Ascii(std::string text) { return {std::move(text), false}; }
 
-    auto Fields() const { return std::tie(data, isUtf16); }
-    KORVO_COMPARED_BY_FIELDS(AsciiOrUtf16String)
+    KORVO_FIELDS(AsciiOrUtf16String, data, isUtf16)
 };
 
 }  // namespace Korvo::Plexis::Data::Clips

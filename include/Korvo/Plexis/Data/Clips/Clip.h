@@ -3,12 +3,11 @@
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <tuple>
 #include <vector>
 
 #include <Korvo/Plexis/Data/Clips/AsciiOrUtf16String.h>
 #include <Korvo/Plexis/Data/Clips/Essence.h>
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/TimePoints/TimeCode.h>
 
 namespace Korvo::Plexis::Data::Clips {
@@ -81,20 +80,16 @@ struct Clip {
     /// only: the wire does not carry it, so a clip read from the server has the default.
     TimePoints::TimeCode timecode = DefaultTimecode();
 
-    auto Fields() const {
-        return std::tie(umId, sourceUmId, fillAndKeyUmId, materialId, name, varId, keywords,
-                        userBits, is3D, isDual, isTwinRec, isLegacyTimecodeDrop, trainStatus,
-                        sourceEngine, uhdDivisionMode, hdrProfile, alphaArchiveStatus,
-                        archiveStatus, fillAndKeyStatus, userProtect, camera, afdAspectRatio,
-                        codedFrameAspectRatio, videoFormat, videoStandard, userTimecodeType,
-                        primaryTimecode, rating, preferentialCamera, inBoundField,
-                        shortInBoundField, shortOutBoundField, outBoundField, legacyTimecodeOffset,
-                        kivIndex, userLock, thumbnailOffset, sequence, machineSerial,
-                        nbAudioVideoChannels, dolbyMonoSignal, inBoundTodTimecode,
-                        inBoundUserTimecode, sourceInBoundTodTimecode, sourceInBoundUserTimecode,
-                        inBoundTimepoint, intraEssence, longGopEssence, lowResEssence, timecode);
-    }
-    KORVO_COMPARED_BY_FIELDS(Clip)
+    KORVO_FIELDS(Clip, umId, sourceUmId, fillAndKeyUmId, materialId, name, varId, keywords,
+                 userBits, is3D, isDual, isTwinRec, isLegacyTimecodeDrop, trainStatus, sourceEngine,
+                 uhdDivisionMode, hdrProfile, alphaArchiveStatus, archiveStatus, fillAndKeyStatus,
+                 userProtect, camera, afdAspectRatio, codedFrameAspectRatio, videoFormat,
+                 videoStandard, userTimecodeType, primaryTimecode, rating, preferentialCamera,
+                 inBoundField, shortInBoundField, shortOutBoundField, outBoundField,
+                 legacyTimecodeOffset, kivIndex, userLock, thumbnailOffset, sequence, machineSerial,
+                 nbAudioVideoChannels, dolbyMonoSignal, inBoundTodTimecode, inBoundUserTimecode,
+                 sourceInBoundTodTimecode, sourceInBoundUserTimecode, inBoundTimepoint,
+                 intraEssence, longGopEssence, lowResEssence, KORVO_THIS_SIDE_ONLY(timecode))
 };
 
 }  // namespace Korvo::Plexis::Data::Clips

@@ -1,9 +1,8 @@
 #pragma once
 
 #include <cstdint>
-#include <tuple>
 
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 
 namespace Korvo::Plexis::Data::Clips {
 
@@ -24,13 +23,10 @@ struct Essence {
     std::int32_t horizontalFrameSize = 0;
     std::int32_t verticalFrameSize = 0;
 
-    auto Fields() const {
-        return std::tie(type, recordingStatus, archiveStatus, metadata, blockSize,
-                        videoCompressionType, audioCompressionType, videoCompressionInfo,
-                        audioConfiguration, videoCompressionRate, audioCompressionRate,
-                        horizontalFrameSize, verticalFrameSize);
-    }
-    KORVO_COMPARED_BY_FIELDS(Essence)
+    KORVO_FIELDS(Essence, type, recordingStatus, archiveStatus, metadata, blockSize,
+                 videoCompressionType, audioCompressionType, videoCompressionInfo,
+                 audioConfiguration, videoCompressionRate, audioCompressionRate,
+                 horizontalFrameSize, verticalFrameSize)
 };
 
 }  // namespace Korvo::Plexis::Data::Clips

@@ -2,9 +2,8 @@
 
 #include <cstdint>
 #include <string>
-#include <tuple>
 
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 
 namespace Korvo::Plexis::Data::Clips {
 
@@ -15,8 +14,7 @@ struct RecordingRange {
     std::string inTimecode;         ///< time code of the first field, as displayed
     std::string outTimecode;        ///< time code of the last field, as displayed
 
-    auto Fields() const { return std::tie(inTimepoint, outTimepoint, inTimecode, outTimecode); }
-    KORVO_COMPARED_BY_FIELDS(RecordingRange)
+    KORVO_FIELDS(RecordingRange, inTimepoint, outTimepoint, inTimecode, outTimecode)
 };
 
 }  // namespace Korvo::Plexis::Data::Clips

@@ -1,12 +1,11 @@
 #pragma once
 
 #include <string>
-#include <tuple>
 #include <vector>
 
 #include <Korvo/Plexis/Data/Clips/Clip.h>
 #include <Korvo/Plexis/Data/Clips/RecordingRange.h>
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 
 namespace Korvo::Plexis::Data::Clips {
 
@@ -18,10 +17,7 @@ struct Train {
     bool isLoopRecording = false;  ///< recorded in a loop, overwriting its oldest part
     std::string recorderName;      ///< name of the recorder that feeds the train
 
-    auto Fields() const {
-        return std::tie(clip, recordingRanges, isRecording, isLoopRecording, recorderName);
-    }
-    KORVO_COMPARED_BY_FIELDS(Train)
+    KORVO_FIELDS(Train, clip, recordingRanges, isRecording, isLoopRecording, recorderName)
 };
 
 }  // namespace Korvo::Plexis::Data::Clips

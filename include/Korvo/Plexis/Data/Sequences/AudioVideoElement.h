@@ -1,9 +1,8 @@
 #pragma once
 
 #include <cstdint>
-#include <tuple>
 
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Data/Sequences/Element.h>
 
 namespace Korvo::Plexis::Data::Sequences {
@@ -20,11 +19,9 @@ struct AudioVideoElement {
     std::int64_t audioFieldOut = 0;
     Element element;
 
-    auto Fields() const {
-        return std::tie(videoEffectType, audioEffectType, videoEffectDuration, audioEffectDuration,
-                        videoFieldIn, videoFieldOut, audioFieldIn, audioFieldOut, element);
-    }
-    KORVO_COMPARED_BY_FIELDS(AudioVideoElement)
+    KORVO_FIELDS(AudioVideoElement, videoEffectType, audioEffectType, videoEffectDuration,
+                 audioEffectDuration, videoFieldIn, videoFieldOut, audioFieldIn, audioFieldOut,
+                 element)
 };
 
 }  // namespace Korvo::Plexis::Data::Sequences

@@ -2,10 +2,9 @@
 
 #include <cstdint>
 #include <optional>
-#include <tuple>
 #include <vector>
 
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Data/Sequences/AudioVideoElement.h>
 
 namespace Korvo::Plexis::Data::Sequences {
@@ -16,8 +15,7 @@ struct AudioVideoTrack {
     std::optional<std::vector<AudioVideoElement>> elements;
     std::optional<std::int32_t> numberOfElements;
 
-    auto Fields() const { return std::tie(elements, numberOfElements); }
-    KORVO_COMPARED_BY_FIELDS(AudioVideoTrack)
+    KORVO_FIELDS(AudioVideoTrack, elements, numberOfElements)
 };
 
 }  // namespace Korvo::Plexis::Data::Sequences

@@ -2,10 +2,9 @@
 
 #include <cstdint>
 #include <string>
-#include <tuple>
 #include <vector>
 
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Data/Sequences/SequenceId.h>
 #include <Korvo/Plexis/Data/Sequences/Speed.h>
 #include <Korvo/Plexis/Data/Sequences/Tag.h>
@@ -28,12 +27,9 @@ struct Element {
     std::int32_t internalLoopId = 0;
     std::int32_t internalLoopRunNb = 0;
 
-    auto Fields() const {
-        return std::tie(id, sequenceId, position, umId, inBoundaryType, outBoundaryType,
-                        effectPosition, stillMode, transitionTimer, tags, speed, internalLoopId,
-                        internalLoopRunNb);
-    }
-    KORVO_COMPARED_BY_FIELDS(Element)
+    KORVO_FIELDS(Element, id, sequenceId, position, umId, inBoundaryType, outBoundaryType,
+                 effectPosition, stillMode, transitionTimer, tags, speed, internalLoopId,
+                 internalLoopRunNb)
 };
 
 }  // namespace Korvo::Plexis::Data::Sequences

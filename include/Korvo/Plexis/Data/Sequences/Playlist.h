@@ -1,9 +1,8 @@
 #pragma once
 
 #include <string>
-#include <tuple>
 
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Data/Sequences/AudioVideoTrack.h>
 #include <Korvo/Plexis/Data/Sequences/Sequence.h>
 
@@ -15,8 +14,7 @@ struct Playlist {
     std::string auxTrackClipUmId;
     Sequence sequence;
 
-    auto Fields() const { return std::tie(audioVideoTrack, auxTrackClipUmId, sequence); }
-    KORVO_COMPARED_BY_FIELDS(Playlist)
+    KORVO_FIELDS(Playlist, audioVideoTrack, auxTrackClipUmId, sequence)
 };
 
 }  // namespace Korvo::Plexis::Data::Sequences

@@ -2,10 +2,9 @@
 
 #include <cstdint>
 #include <string>
-#include <tuple>
 
 #include <Korvo/Plexis/Data/Clips/AsciiOrUtf16String.h>
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Data/Sequences/SequenceId.h>
 
 namespace Korvo::Plexis::Data::Sequences {
@@ -29,13 +28,10 @@ struct Sequence {
     bool isFixedDuration = false;
     std::int32_t archiveStatus = 0;
 
-    auto Fields() const {
-        return std::tie(id, umId, varId, name, isTimeCodeRegen, timeCodeRegenReference,
-                        timeCodeRegenBase, timeCodeRegenSource, timeCodeRegenOutput,
-                        timeCodeRegenType, durationWithEffects, durationWithoutEffects,
-                        playRateNumerator, playRateDenominator, isFixedDuration, archiveStatus);
-    }
-    KORVO_COMPARED_BY_FIELDS(Sequence)
+    KORVO_FIELDS(Sequence, id, umId, varId, name, isTimeCodeRegen, timeCodeRegenReference,
+                 timeCodeRegenBase, timeCodeRegenSource, timeCodeRegenOutput, timeCodeRegenType,
+                 durationWithEffects, durationWithoutEffects, playRateNumerator,
+                 playRateDenominator, isFixedDuration, archiveStatus)
 };
 
 }  // namespace Korvo::Plexis::Data::Sequences

@@ -1,9 +1,8 @@
 #pragma once
 
 #include <cstdint>
-#include <tuple>
 
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 
 namespace Korvo::Plexis::Data::Sequences {
 
@@ -12,8 +11,7 @@ struct SequenceId {
     std::int32_t location = 0;
     std::int32_t serverId = 0;
 
-    auto Fields() const { return std::tie(location, serverId); }
-    KORVO_COMPARED_BY_FIELDS(SequenceId)
+    KORVO_FIELDS(SequenceId, location, serverId)
 };
 
 }  // namespace Korvo::Plexis::Data::Sequences

@@ -1,9 +1,8 @@
 #pragma once
 
 #include <cstdint>
-#include <tuple>
 
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 
 namespace Korvo::Plexis::Data::Sequences {
 
@@ -12,8 +11,7 @@ struct Speed {
     std::int32_t numerator = 0;
     std::int32_t denominator = 0;
 
-    auto Fields() const { return std::tie(numerator, denominator); }
-    KORVO_COMPARED_BY_FIELDS(Speed)
+    KORVO_FIELDS(Speed, numerator, denominator)
 };
 
 }  // namespace Korvo::Plexis::Data::Sequences

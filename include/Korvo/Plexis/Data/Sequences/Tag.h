@@ -2,9 +2,8 @@
 
 #include <cstdint>
 #include <map>
-#include <tuple>
 
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Data/Sequences/TagProperty.h>
 
 namespace Korvo::Plexis::Data::Sequences {
@@ -16,8 +15,7 @@ struct Tag {
     std::int64_t field = 0;  ///< where the tag sits, in video fields
     std::map<std::int32_t, TagProperty> properties;
 
-    auto Fields() const { return std::tie(id, commandType, field, properties); }
-    KORVO_COMPARED_BY_FIELDS(Tag)
+    KORVO_FIELDS(Tag, id, commandType, field, properties)
 };
 
 }  // namespace Korvo::Plexis::Data::Sequences

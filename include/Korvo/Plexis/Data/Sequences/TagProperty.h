@@ -1,10 +1,9 @@
 #pragma once
 
 #include <cstdint>
-#include <tuple>
 #include <vector>
 
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 
 namespace Korvo::Plexis::Data::Sequences {
 
@@ -13,8 +12,7 @@ struct TagProperty {
     std::int32_t dataType = 0;
     std::vector<std::int32_t> value;
 
-    auto Fields() const { return std::tie(dataType, value); }
-    KORVO_COMPARED_BY_FIELDS(TagProperty)
+    KORVO_FIELDS(TagProperty, dataType, value)
 };
 
 }  // namespace Korvo::Plexis::Data::Sequences

@@ -2,10 +2,9 @@
 
 #include <cstdint>
 #include <string>
-#include <tuple>
 #include <vector>
 
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 
 namespace Korvo::Plexis::Data::Servers {
 
@@ -21,11 +20,8 @@ struct ServerInfo {
     std::vector<std::int32_t> channelNumbers;  ///< numbers of its playout channels
     bool isLocal = false;                      ///< the server this client is attached to
 
-    auto Fields() const {
-        return std::tie(serverId, status, name, serverType, hostName, version, channelCount,
-                        channelNumbers, isLocal);
-    }
-    KORVO_COMPARED_BY_FIELDS(ServerInfo)
+    KORVO_FIELDS(ServerInfo, serverId, status, name, serverType, hostName, version, channelCount,
+                 channelNumbers, isLocal)
 };
 
 }  // namespace Korvo::Plexis::Data::Servers

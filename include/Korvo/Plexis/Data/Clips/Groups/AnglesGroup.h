@@ -2,11 +2,10 @@
 
 #include <cstdint>
 #include <map>
-#include <tuple>
 
 #include <Korvo/Plexis/Data/Clips/Groups/AnglesGroupItem.h>
 #include <Korvo/Plexis/Data/Clips/Groups/Guid.h>
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 
 namespace Korvo::Plexis::Data::Clips::Groups {
 
@@ -15,8 +14,7 @@ struct AnglesGroup {
     Guid groupGuid;                                  ///< the group's identifier
     std::map<std::int32_t, AnglesGroupItem> angles;  ///< the group's angles, keyed by their index
 
-    auto Fields() const { return std::tie(groupGuid, angles); }
-    KORVO_COMPARED_BY_FIELDS(AnglesGroup)
+    KORVO_FIELDS(AnglesGroup, groupGuid, angles)
 };
 
 }  // namespace Korvo::Plexis::Data::Clips::Groups

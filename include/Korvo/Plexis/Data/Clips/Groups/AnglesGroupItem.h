@@ -1,9 +1,8 @@
 #pragma once
 
 #include <cstdint>
-#include <tuple>
 
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Data/Guid.h>
 
 namespace Korvo::Plexis::Data::Clips::Groups {
@@ -13,8 +12,7 @@ struct AnglesGroupItem {
     Data::Guid clipGuid;      ///< the clip that shows this angle
     std::int32_t camera = 0;  ///< the camera the angle was recorded from
 
-    auto Fields() const { return std::tie(clipGuid, camera); }
-    KORVO_COMPARED_BY_FIELDS(AnglesGroupItem)
+    KORVO_FIELDS(AnglesGroupItem, clipGuid, camera)
 };
 
 }  // namespace Korvo::Plexis::Data::Clips::Groups

@@ -1,9 +1,7 @@
 #pragma once
 
-#include <tuple>
-
 #include <Korvo/Plexis/Data/Clips/Groups/Guid.h>
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Data/Guid.h>
 #include <Korvo/Plexis/Data/OperationStatus.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/ClipCommandReply.h>
@@ -22,8 +20,7 @@ public:
     ClipCommandReply clipCommandReply;    ///< clip results, as a whole clip command reply with its
                                           ///< own command identifier
 
-    auto Fields() const { return std::tie(commandGuid, groupGuid, status, clipCommandReply); }
-    KORVO_COMPARED_BY_FIELDS(AnglesGroupCommandReply)
+    KORVO_FIELDS(AnglesGroupCommandReply, commandGuid, groupGuid, status, clipCommandReply)
 };
 
 }  // namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands

@@ -2,11 +2,10 @@
 
 #include <cstdint>
 #include <map>
-#include <tuple>
 
 #include <Korvo/Plexis/Data/Channels/Guid.h>
 #include <Korvo/Plexis/Data/Channels/LoadBoundary.h>
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Data/Guid.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/CommandParams.h>
 
@@ -20,10 +19,7 @@ struct ChainCommandParams : CommandParams {
     Data::Channels::LoadBoundary inBoundary;
     Data::Channels::LoadBoundary outBoundary;
 
-    auto Fields() const {
-        return std::tie(commandGuid, players, timepoint, inBoundary, outBoundary);
-    }
-    KORVO_COMPARED_BY_FIELDS(ChainCommandParams)
+    KORVO_FIELDS(ChainCommandParams, commandGuid, players, timepoint, inBoundary, outBoundary)
 };
 
 }  // namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands

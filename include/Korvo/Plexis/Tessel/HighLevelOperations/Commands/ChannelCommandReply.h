@@ -4,9 +4,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <stdexcept>
-#include <tuple>
 
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Data/Guid.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/ChannelResult.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/CommandReply.h>
@@ -41,8 +40,7 @@ public:
         results[static_cast<std::size_t>(count++)] = result;
     }
 
-    auto Fields() const { return std::tie(commandGuid, results, count); }
-    KORVO_COMPARED_BY_FIELDS(ChannelCommandReply)
+    KORVO_FIELDS(ChannelCommandReply, commandGuid, results, count)
 };
 
 }  // namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands

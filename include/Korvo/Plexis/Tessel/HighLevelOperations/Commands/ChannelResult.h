@@ -1,9 +1,7 @@
 #pragma once
 
-#include <tuple>
-
 #include <Korvo/Plexis/Data/Channels/Guid.h>
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Data/OperationStatus.h>
 
 namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands {
@@ -13,8 +11,7 @@ struct ChannelResult {
     Data::Channels::Guid channelGuid;  ///< the player or recorder concerned
     Data::OperationStatus status;      ///< outcome on that channel
 
-    auto Fields() const { return std::tie(channelGuid, status); }
-    KORVO_COMPARED_BY_FIELDS(ChannelResult)
+    KORVO_FIELDS(ChannelResult, channelGuid, status)
 };
 
 }  // namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands

@@ -1,9 +1,8 @@
 #pragma once
 
-#include <tuple>
 #include <vector>
 
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Data/Guid.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/ClipResult.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/CommandReply.h>
@@ -18,8 +17,7 @@ public:
 
     std::vector<ClipResult> results;  ///< one entry per clip handled
 
-    auto Fields() const { return std::tie(commandGuid, results); }
-    KORVO_COMPARED_BY_FIELDS(ClipCommandReply)
+    KORVO_FIELDS(ClipCommandReply, commandGuid, results)
 };
 
 }  // namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands

@@ -1,9 +1,7 @@
 #pragma once
 
-#include <tuple>
-
 #include <Korvo/Plexis/Data/Clips/Clip.h>
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Data/OperationStatus.h>
 
 namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands {
@@ -13,8 +11,7 @@ struct ClipResult {
     Data::OperationStatus status;  ///< outcome for this clip
     Data::Clips::Clip clip;        ///< the clip concerned
 
-    auto Fields() const { return std::tie(status, clip); }
-    KORVO_COMPARED_BY_FIELDS(ClipResult)
+    KORVO_FIELDS(ClipResult, status, clip)
 };
 
 }  // namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands

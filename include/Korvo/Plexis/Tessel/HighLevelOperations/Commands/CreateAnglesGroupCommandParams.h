@@ -1,9 +1,8 @@
 #pragma once
 
 #include <cstdint>
-#include <tuple>
 
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/CommandParams.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/CreateClipsCommandParams.h>
 
@@ -15,8 +14,7 @@ struct CreateAnglesGroupCommandParams : CommandParams {
     CreateClipsCommandParams creationParams;  ///< the clips of the group, as a whole clip-creation
                                               ///< command with its own identifier
 
-    auto Fields() const { return std::tie(commandGuid, groupKivIndex, creationParams); }
-    KORVO_COMPARED_BY_FIELDS(CreateAnglesGroupCommandParams)
+    KORVO_FIELDS(CreateAnglesGroupCommandParams, commandGuid, groupKivIndex, creationParams)
 };
 
 }  // namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands

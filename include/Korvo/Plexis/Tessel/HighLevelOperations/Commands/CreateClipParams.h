@@ -1,9 +1,7 @@
 #pragma once
 
-#include <tuple>
-
 #include <Korvo/Plexis/Data/Clips/Clip.h>
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Data/Guid.h>
 
 namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands {
@@ -14,8 +12,7 @@ struct CreateClipParams {
     Data::Clips::Clip clip;     ///< the clip's data
     bool setTimecodes = false;  ///< whether the clip's time codes are to be set
 
-    auto Fields() const { return std::tie(sourceId, clip, setTimecodes); }
-    KORVO_COMPARED_BY_FIELDS(CreateClipParams)
+    KORVO_FIELDS(CreateClipParams, sourceId, clip, setTimecodes)
 };
 
 }  // namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands

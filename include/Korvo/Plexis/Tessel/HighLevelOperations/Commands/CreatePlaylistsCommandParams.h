@@ -1,9 +1,8 @@
 #pragma once
 
-#include <tuple>
 #include <vector>
 
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Data/Sequences/Playlist.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/CommandParams.h>
 
@@ -13,8 +12,7 @@ namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands {
 struct CreatePlaylistsCommandParams : CommandParams {
     std::vector<Data::Sequences::Playlist> playlists;  ///< the playlists to create
 
-    auto Fields() const { return std::tie(commandGuid, playlists); }
-    KORVO_COMPARED_BY_FIELDS(CreatePlaylistsCommandParams)
+    KORVO_FIELDS(CreatePlaylistsCommandParams, commandGuid, playlists)
 };
 
 }  // namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands

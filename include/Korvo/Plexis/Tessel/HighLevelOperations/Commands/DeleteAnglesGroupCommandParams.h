@@ -1,8 +1,6 @@
 #pragma once
 
-#include <tuple>
-
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Data/Guid.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/CommandParams.h>
 
@@ -12,8 +10,7 @@ namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands {
 struct DeleteAnglesGroupCommandParams : CommandParams {
     Data::Guid groupGuid;  ///< the group to delete
 
-    auto Fields() const { return std::tie(commandGuid, groupGuid); }
-    KORVO_COMPARED_BY_FIELDS(DeleteAnglesGroupCommandParams)
+    KORVO_FIELDS(DeleteAnglesGroupCommandParams, commandGuid, groupGuid)
 };
 
 }  // namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands

@@ -1,9 +1,8 @@
 #pragma once
 
-#include <tuple>
 #include <vector>
 
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Data/Guid.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/CommandParams.h>
 
@@ -13,8 +12,7 @@ namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands {
 struct DeleteClipsCommandParams : CommandParams {
     std::vector<Data::Guid> clips;  ///< the clips to delete
 
-    auto Fields() const { return std::tie(commandGuid, clips); }
-    KORVO_COMPARED_BY_FIELDS(DeleteClipsCommandParams)
+    KORVO_FIELDS(DeleteClipsCommandParams, commandGuid, clips)
 };
 
 }  // namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands

@@ -1,9 +1,8 @@
 #pragma once
 
-#include <tuple>
 #include <vector>
 
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Data/Guid.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/CommandParams.h>
 
@@ -13,8 +12,7 @@ namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands {
 struct DeletePlaylistsCommandParams : CommandParams {
     std::vector<Data::Guid> playlists;  ///< the playlists to delete
 
-    auto Fields() const { return std::tie(commandGuid, playlists); }
-    KORVO_COMPARED_BY_FIELDS(DeletePlaylistsCommandParams)
+    KORVO_FIELDS(DeletePlaylistsCommandParams, commandGuid, playlists)
 };
 
 }  // namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands

@@ -2,10 +2,9 @@
 
 #include <cstdint>
 #include <set>
-#include <tuple>
 
 #include <Korvo/Plexis/Data/Channels/Guid.h>
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/CommandParams.h>
 
 namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands {
@@ -15,8 +14,7 @@ struct DialCommandParams : CommandParams {
     std::set<Data::Channels::Guid> players;
     std::int32_t velocity = 0;  ///< dial (jog) velocity
 
-    auto Fields() const { return std::tie(commandGuid, players, velocity); }
-    KORVO_COMPARED_BY_FIELDS(DialCommandParams)
+    KORVO_FIELDS(DialCommandParams, commandGuid, players, velocity)
 };
 
 }  // namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands

@@ -1,12 +1,11 @@
 #pragma once
 
 #include <map>
-#include <tuple>
 
 #include <Korvo/Plexis/Data/Channels/Guid.h>
 #include <Korvo/Plexis/Data/Channels/PlayerState.h>
 #include <Korvo/Plexis/Data/Channels/RecorderState.h>
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Data/Guid.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/CommandReply.h>
 
@@ -21,8 +20,7 @@ public:
     std::map<Data::Channels::Guid, Data::Channels::PlayerState> playerStates;
     std::map<Data::Channels::Guid, Data::Channels::RecorderState> recorderStates;
 
-    auto Fields() const { return std::tie(commandGuid, playerStates, recorderStates); }
-    KORVO_COMPARED_BY_FIELDS(GetChannelsCommandReply)
+    KORVO_FIELDS(GetChannelsCommandReply, commandGuid, playerStates, recorderStates)
 };
 
 }  // namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands

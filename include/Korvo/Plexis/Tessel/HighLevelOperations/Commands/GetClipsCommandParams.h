@@ -1,16 +1,13 @@
 #pragma once
 
-#include <tuple>
-
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/CommandParams.h>
 
 namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands {
 
 /// Asks for every clip.
 struct GetClipsCommandParams : CommandParams {
-    auto Fields() const { return std::tie(commandGuid); }
-    KORVO_COMPARED_BY_FIELDS(GetClipsCommandParams)
+    KORVO_FIELDS(GetClipsCommandParams, commandGuid)
 };
 
 }  // namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands

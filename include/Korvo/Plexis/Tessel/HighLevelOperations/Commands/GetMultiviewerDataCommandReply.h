@@ -1,10 +1,9 @@
 #pragma once
 
 #include <map>
-#include <tuple>
 
 #include <Korvo/Plexis/Data/Channels/Guid.h>
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Data/Guid.h>
 #include <Korvo/Plexis/Data/OperationStatus.h>
 #include <Korvo/Plexis/Multiviewer/PlayerDataOverrides.h>
@@ -22,8 +21,7 @@ public:
         playerDataOverrides;       ///< by player
     Data::OperationStatus status;  ///< outcome of the command
 
-    auto Fields() const { return std::tie(commandGuid, playerDataOverrides, status); }
-    KORVO_COMPARED_BY_FIELDS(GetMultiviewerDataCommandReply)
+    KORVO_FIELDS(GetMultiviewerDataCommandReply, commandGuid, playerDataOverrides, status)
 };
 
 }  // namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands

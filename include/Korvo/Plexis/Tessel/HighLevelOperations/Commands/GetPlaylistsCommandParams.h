@@ -2,9 +2,8 @@
 
 #include <cstdint>
 #include <optional>
-#include <tuple>
 
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Data/Guid.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/CommandParams.h>
 
@@ -15,8 +14,7 @@ struct GetPlaylistsCommandParams : CommandParams {
     std::int32_t elementMode = 0;  ///< how much of each playlist; values defined by the server
     std::optional<Data::Guid> idFilter;  ///< only the playlist with this identifier, when set
 
-    auto Fields() const { return std::tie(commandGuid, elementMode, idFilter); }
-    KORVO_COMPARED_BY_FIELDS(GetPlaylistsCommandParams)
+    KORVO_FIELDS(GetPlaylistsCommandParams, commandGuid, elementMode, idFilter)
 };
 
 }  // namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands

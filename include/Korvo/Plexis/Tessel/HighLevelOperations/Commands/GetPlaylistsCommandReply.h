@@ -1,10 +1,9 @@
 #pragma once
 
 #include <cstdint>
-#include <tuple>
 #include <vector>
 
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Data/Guid.h>
 #include <Korvo/Plexis/Data/Sequences/Playlist.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/CommandReply.h>
@@ -20,8 +19,7 @@ public:
     std::int64_t marker = 0;  ///< a value the server attaches to the listing, passed on unchanged
     std::vector<Data::Sequences::Playlist> playlists;  ///< in the server's order
 
-    auto Fields() const { return std::tie(commandGuid, marker, playlists); }
-    KORVO_COMPARED_BY_FIELDS(GetPlaylistsCommandReply)
+    KORVO_FIELDS(GetPlaylistsCommandReply, commandGuid, marker, playlists)
 };
 
 }  // namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands

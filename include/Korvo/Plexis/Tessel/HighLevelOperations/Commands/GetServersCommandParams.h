@@ -1,9 +1,8 @@
 #pragma once
 
 #include <cstdint>
-#include <tuple>
 
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/CommandParams.h>
 
 namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands {
@@ -12,8 +11,7 @@ namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands {
 struct GetServersCommandParams : CommandParams {
     std::int32_t serverRange = 0;  ///< which servers; values defined by the server
 
-    auto Fields() const { return std::tie(commandGuid, serverRange); }
-    KORVO_COMPARED_BY_FIELDS(GetServersCommandParams)
+    KORVO_FIELDS(GetServersCommandParams, commandGuid, serverRange)
 };
 
 }  // namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands

@@ -1,9 +1,8 @@
 #pragma once
 
-#include <tuple>
 #include <vector>
 
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Data/Guid.h>
 #include <Korvo/Plexis/Data/Servers/ServerInfo.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/CommandReply.h>
@@ -18,8 +17,7 @@ public:
 
     std::vector<Data::Servers::ServerInfo> servers;
 
-    auto Fields() const { return std::tie(commandGuid, servers); }
-    KORVO_COMPARED_BY_FIELDS(GetServersCommandReply)
+    KORVO_FIELDS(GetServersCommandReply, commandGuid, servers)
 };
 
 }  // namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands

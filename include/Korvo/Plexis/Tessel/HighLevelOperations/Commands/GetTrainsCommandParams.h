@@ -1,16 +1,13 @@
 #pragma once
 
-#include <tuple>
-
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/CommandParams.h>
 
 namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands {
 
 /// Asks for every train (recorded material).
 struct GetTrainsCommandParams : CommandParams {
-    auto Fields() const { return std::tie(commandGuid); }
-    KORVO_COMPARED_BY_FIELDS(GetTrainsCommandParams)
+    KORVO_FIELDS(GetTrainsCommandParams, commandGuid)
 };
 
 }  // namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands

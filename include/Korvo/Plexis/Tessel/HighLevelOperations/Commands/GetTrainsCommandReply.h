@@ -1,11 +1,10 @@
 #pragma once
 
 #include <cstdint>
-#include <tuple>
 #include <vector>
 
 #include <Korvo/Plexis/Data/Clips/Train.h>
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Data/Guid.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/CommandReply.h>
 
@@ -20,8 +19,7 @@ public:
     std::int64_t marker = 0;  ///< a value the server attaches to the listing, passed on unchanged
     std::vector<Data::Clips::Train> trains;
 
-    auto Fields() const { return std::tie(commandGuid, marker, trains); }
-    KORVO_COMPARED_BY_FIELDS(GetTrainsCommandReply)
+    KORVO_FIELDS(GetTrainsCommandReply, commandGuid, marker, trains)
 };
 
 }  // namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands

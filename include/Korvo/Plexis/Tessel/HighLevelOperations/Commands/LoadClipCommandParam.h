@@ -1,10 +1,9 @@
 #pragma once
 
 #include <cstdint>
-#include <tuple>
 
 #include <Korvo/Plexis/Data/Channels/LoadBoundary.h>
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Data/Guid.h>
 
 namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands {
@@ -16,8 +15,7 @@ struct LoadClipCommandParam {
     Data::Channels::LoadBoundary inBoundary;
     Data::Channels::LoadBoundary outBoundary;
 
-    auto Fields() const { return std::tie(clip, timepoint, inBoundary, outBoundary); }
-    KORVO_COMPARED_BY_FIELDS(LoadClipCommandParam)
+    KORVO_FIELDS(LoadClipCommandParam, clip, timepoint, inBoundary, outBoundary)
 };
 
 }  // namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands

@@ -1,10 +1,9 @@
 #pragma once
 
 #include <map>
-#include <tuple>
 
 #include <Korvo/Plexis/Data/Channels/Guid.h>
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/CommandParams.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/LoadClipCommandParam.h>
 
@@ -15,8 +14,7 @@ struct LoadClipsCommandParams : CommandParams {
     std::map<Data::Channels::Guid, LoadClipCommandParam>
         playersParameters;  ///< what each player loads
 
-    auto Fields() const { return std::tie(commandGuid, playersParameters); }
-    KORVO_COMPARED_BY_FIELDS(LoadClipsCommandParams)
+    KORVO_FIELDS(LoadClipsCommandParams, commandGuid, playersParameters)
 };
 
 }  // namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands

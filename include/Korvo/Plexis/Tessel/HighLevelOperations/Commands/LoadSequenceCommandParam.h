@@ -1,9 +1,8 @@
 #pragma once
 
 #include <cstdint>
-#include <tuple>
 
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Data/Guid.h>
 
 namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands {
@@ -14,8 +13,7 @@ struct LoadSequenceCommandParam {
     std::int64_t durationFromBeginning = 0;  ///< cue position from the sequence's start
     bool isForDiffusion = false;             ///< load for on-air diffusion
 
-    auto Fields() const { return std::tie(sequence, durationFromBeginning, isForDiffusion); }
-    KORVO_COMPARED_BY_FIELDS(LoadSequenceCommandParam)
+    KORVO_FIELDS(LoadSequenceCommandParam, sequence, durationFromBeginning, isForDiffusion)
 };
 
 }  // namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands

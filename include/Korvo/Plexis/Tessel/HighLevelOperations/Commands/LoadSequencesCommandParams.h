@@ -1,10 +1,9 @@
 #pragma once
 
 #include <map>
-#include <tuple>
 
 #include <Korvo/Plexis/Data/Channels/Guid.h>
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/CommandParams.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/LoadSequenceCommandParam.h>
 
@@ -15,8 +14,7 @@ struct LoadSequencesCommandParams : CommandParams {
     std::map<Data::Channels::Guid, LoadSequenceCommandParam>
         playersParameters;  ///< what each player loads
 
-    auto Fields() const { return std::tie(commandGuid, playersParameters); }
-    KORVO_COMPARED_BY_FIELDS(LoadSequencesCommandParams)
+    KORVO_FIELDS(LoadSequencesCommandParams, commandGuid, playersParameters)
 };
 
 }  // namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands

@@ -2,10 +2,9 @@
 
 #include <cstdint>
 #include <set>
-#include <tuple>
 
 #include <Korvo/Plexis/Data/Channels/Guid.h>
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/CommandParams.h>
 
 namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands {
@@ -16,8 +15,8 @@ struct PlayCommandParams : CommandParams {
     std::int32_t speedNum = 1;               ///< play speed numerator
     std::int32_t speedDen = 1;               ///< play speed denominator
 
-    auto Fields() const { return std::tie(commandGuid, players, speedNum, speedDen); }
-    KORVO_COMPARED_BY_FIELDS(PlayCommandParams)
+    KORVO_FIELDS(PlayCommandParams, KORVO_WIRE_NAME(commandGuid, commandId), players, speedNum,
+                 speedDen)
 };
 
 }  // namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands

@@ -1,9 +1,8 @@
 #pragma once
 
-#include <tuple>
 #include <vector>
 
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Data/Guid.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/CommandReply.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/PlaylistResult.h>
@@ -19,8 +18,7 @@ public:
 
     std::vector<PlaylistResult> results;  ///< one entry per playlist handled
 
-    auto Fields() const { return std::tie(commandGuid, results); }
-    KORVO_COMPARED_BY_FIELDS(PlaylistCommandReply)
+    KORVO_FIELDS(PlaylistCommandReply, commandGuid, results)
 };
 
 }  // namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands

@@ -1,8 +1,6 @@
 #pragma once
 
-#include <tuple>
-
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Data/OperationStatus.h>
 #include <Korvo/Plexis/Data/Sequences/Playlist.h>
 
@@ -13,8 +11,7 @@ struct PlaylistResult {
     Data::OperationStatus status;        ///< outcome for this playlist
     Data::Sequences::Playlist playlist;  ///< the playlist concerned
 
-    auto Fields() const { return std::tie(status, playlist); }
-    KORVO_COMPARED_BY_FIELDS(PlaylistResult)
+    KORVO_FIELDS(PlaylistResult, status, playlist)
 };
 
 }  // namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands

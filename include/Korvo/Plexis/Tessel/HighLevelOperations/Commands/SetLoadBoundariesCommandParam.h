@@ -1,9 +1,7 @@
 #pragma once
 
-#include <tuple>
-
 #include <Korvo/Plexis/Data/Channels/LoadBoundary.h>
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 
 namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands {
 
@@ -12,8 +10,7 @@ struct SetLoadBoundariesCommandParam {
     Data::Channels::LoadBoundary inBoundary;
     Data::Channels::LoadBoundary outBoundary;
 
-    auto Fields() const { return std::tie(inBoundary, outBoundary); }
-    KORVO_COMPARED_BY_FIELDS(SetLoadBoundariesCommandParam)
+    KORVO_FIELDS(SetLoadBoundariesCommandParam, inBoundary, outBoundary)
 };
 
 }  // namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands

@@ -1,10 +1,9 @@
 #pragma once
 
 #include <map>
-#include <tuple>
 
 #include <Korvo/Plexis/Data/Channels/Guid.h>
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/CommandParams.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/SetLoadBoundariesCommandParam.h>
 
@@ -15,8 +14,7 @@ struct SetLoadBoundariesCommandParams : CommandParams {
     std::map<Data::Channels::Guid, SetLoadBoundariesCommandParam>
         playersParameters;  ///< the new boundaries of each player
 
-    auto Fields() const { return std::tie(commandGuid, playersParameters); }
-    KORVO_COMPARED_BY_FIELDS(SetLoadBoundariesCommandParams)
+    KORVO_FIELDS(SetLoadBoundariesCommandParams, commandGuid, playersParameters)
 };
 
 }  // namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands

@@ -1,10 +1,9 @@
 #pragma once
 
 #include <map>
-#include <tuple>
 
 #include <Korvo/Plexis/Data/Channels/Guid.h>
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Multiviewer/PlayerDataOverrides.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/CommandParams.h>
 
@@ -15,8 +14,7 @@ struct SetMultiviewerDataCommandParams : CommandParams {
     std::map<Data::Channels::Guid, Multiviewer::PlayerDataOverrides>
         playersDataOverrides;  ///< the overrides of each player
 
-    auto Fields() const { return std::tie(commandGuid, playersDataOverrides); }
-    KORVO_COMPARED_BY_FIELDS(SetMultiviewerDataCommandParams)
+    KORVO_FIELDS(SetMultiviewerDataCommandParams, commandGuid, playersDataOverrides)
 };
 
 }  // namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands

@@ -1,10 +1,9 @@
 #pragma once
 
 #include <set>
-#include <tuple>
 
 #include <Korvo/Plexis/Data/Channels/Guid.h>
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/CommandParams.h>
 
 namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands {
@@ -13,8 +12,7 @@ namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands {
 struct StartCommandParams : CommandParams {
     std::set<Data::Channels::Guid> recorders;  ///< recorders to start
 
-    auto Fields() const { return std::tie(commandGuid, recorders); }
-    KORVO_COMPARED_BY_FIELDS(StartCommandParams)
+    KORVO_FIELDS(StartCommandParams, commandGuid, recorders)
 };
 
 }  // namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands

@@ -2,10 +2,9 @@
 
 #include <cstdint>
 #include <set>
-#include <tuple>
 
 #include <Korvo/Plexis/Data/Channels/Guid.h>
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/CommandParams.h>
 
 namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands {
@@ -15,8 +14,7 @@ struct StepCommandParams : CommandParams {
     std::set<Data::Channels::Guid> players;
     std::int32_t fieldCount = 0;  ///< video fields to step; negative steps back
 
-    auto Fields() const { return std::tie(commandGuid, players, fieldCount); }
-    KORVO_COMPARED_BY_FIELDS(StepCommandParams)
+    KORVO_FIELDS(StepCommandParams, commandGuid, players, fieldCount)
 };
 
 }  // namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands

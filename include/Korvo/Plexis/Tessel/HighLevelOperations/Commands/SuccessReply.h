@@ -1,8 +1,6 @@
 #pragma once
 
-#include <tuple>
-
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Data/Guid.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/CommandReply.h>
 
@@ -14,8 +12,7 @@ public:
     explicit SuccessReply(const Data::Guid& commandGuid = Data::Guid::Empty())
         : CommandReplyOfType(commandGuid) {}
 
-    auto Fields() const { return std::tie(commandGuid); }
-    KORVO_COMPARED_BY_FIELDS(SuccessReply)
+    KORVO_FIELDS(SuccessReply, commandGuid)
 };
 
 }  // namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands

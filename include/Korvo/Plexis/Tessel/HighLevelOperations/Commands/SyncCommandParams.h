@@ -1,11 +1,10 @@
 #pragma once
 
 #include <set>
-#include <tuple>
 
 #include <Korvo/Plexis/Data/Channels/Guid.h>
 #include <Korvo/Plexis/Data/Channels/LoadBoundary.h>
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/CommandParams.h>
 
 namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands {
@@ -17,10 +16,7 @@ struct SyncCommandParams : CommandParams {
     Data::Channels::LoadBoundary inBoundary;
     Data::Channels::LoadBoundary outBoundary;
 
-    auto Fields() const {
-        return std::tie(commandGuid, sourcePlayer, players, inBoundary, outBoundary);
-    }
-    KORVO_COMPARED_BY_FIELDS(SyncCommandParams)
+    KORVO_FIELDS(SyncCommandParams, commandGuid, sourcePlayer, players, inBoundary, outBoundary)
 };
 
 }  // namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands

@@ -1,9 +1,8 @@
 #pragma once
 
 #include <string>
-#include <tuple>
 
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Data/Guid.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/CommandReply.h>
 
@@ -17,8 +16,7 @@ public:
 
     std::string message;  ///< the server's text about the command
 
-    auto Fields() const { return std::tie(commandGuid, message); }
-    KORVO_COMPARED_BY_FIELDS(UnknownCommandReply)
+    KORVO_FIELDS(UnknownCommandReply, KORVO_THIS_SIDE_ONLY(commandGuid), message)
 };
 
 }  // namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands

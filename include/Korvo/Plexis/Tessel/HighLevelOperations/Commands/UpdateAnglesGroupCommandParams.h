@@ -1,9 +1,8 @@
 #pragma once
 
 #include <optional>
-#include <tuple>
 
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Data/Guid.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/CommandParams.h>
 
@@ -15,8 +14,8 @@ struct UpdateAnglesGroupCommandParams : CommandParams {
     std::optional<Data::Guid> primaryAngle;    ///< the new primary angle, when set
     std::optional<Data::Guid> secondaryAngle;  ///< the new secondary angle, when set
 
-    auto Fields() const { return std::tie(commandGuid, groupGuid, primaryAngle, secondaryAngle); }
-    KORVO_COMPARED_BY_FIELDS(UpdateAnglesGroupCommandParams)
+    KORVO_FIELDS(UpdateAnglesGroupCommandParams, commandGuid, groupGuid, primaryAngle,
+                 secondaryAngle)
 };
 
 }  // namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands

@@ -1,9 +1,7 @@
 #pragma once
 
-#include <tuple>
-
 #include <Korvo/Plexis/Data/Clips/Clip.h>
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 
 namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands {
 
@@ -12,8 +10,7 @@ struct UpdateClipParams {
     Data::Clips::Clip oldClip;
     Data::Clips::Clip newClip;
 
-    auto Fields() const { return std::tie(oldClip, newClip); }
-    KORVO_COMPARED_BY_FIELDS(UpdateClipParams)
+    KORVO_FIELDS(UpdateClipParams, oldClip, newClip)
 };
 
 }  // namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands

@@ -1,9 +1,8 @@
 #pragma once
 
-#include <tuple>
 #include <vector>
 
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/CommandParams.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/UpdateClipParams.h>
 
@@ -13,8 +12,7 @@ namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands {
 struct UpdateClipsCommandParams : CommandParams {
     std::vector<UpdateClipParams> clips;  ///< the updates
 
-    auto Fields() const { return std::tie(commandGuid, clips); }
-    KORVO_COMPARED_BY_FIELDS(UpdateClipsCommandParams)
+    KORVO_FIELDS(UpdateClipsCommandParams, commandGuid, clips)
 };
 
 }  // namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands

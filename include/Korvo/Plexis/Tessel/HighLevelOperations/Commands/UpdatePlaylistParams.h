@@ -1,8 +1,6 @@
 #pragma once
 
-#include <tuple>
-
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Data/Sequences/Playlist.h>
 
 namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands {
@@ -12,8 +10,7 @@ struct UpdatePlaylistParams {
     Data::Sequences::Playlist oldPlaylist;
     Data::Sequences::Playlist newPlaylist;
 
-    auto Fields() const { return std::tie(oldPlaylist, newPlaylist); }
-    KORVO_COMPARED_BY_FIELDS(UpdatePlaylistParams)
+    KORVO_FIELDS(UpdatePlaylistParams, oldPlaylist, newPlaylist)
 };
 
 }  // namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands

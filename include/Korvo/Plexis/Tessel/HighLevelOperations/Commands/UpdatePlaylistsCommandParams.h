@@ -1,9 +1,8 @@
 #pragma once
 
-#include <tuple>
 #include <vector>
 
-#include <Korvo/Plexis/Data/ComparedByFields.h>
+#include <Korvo/Plexis/Data/FieldList.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/CommandParams.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/UpdatePlaylistParams.h>
 
@@ -13,8 +12,7 @@ namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands {
 struct UpdatePlaylistsCommandParams : CommandParams {
     std::vector<UpdatePlaylistParams> params;  ///< the updates
 
-    auto Fields() const { return std::tie(commandGuid, params); }
-    KORVO_COMPARED_BY_FIELDS(UpdatePlaylistsCommandParams)
+    KORVO_FIELDS(UpdatePlaylistsCommandParams, commandGuid, params)
 };
 
 }  // namespace Korvo::Plexis::Tessel::HighLevelOperations::Commands
