@@ -140,11 +140,16 @@ TEST(Serializer, APayloadCarriesNothingOfThePreviousOne) {
     auto fewer = Samples::Filled<CreateClipsCommandParams>(2);
     fewer.clips.resize(1);
     fewer.clips[0].clip = Plexis::Data::Clips::Clip();
+    namespace Wire = Plexis::Tessel::Serialization::Thrift::Commands::Generated;
     ExpectNothingCarriedOver<CreateClipsCommandParams, Wire::CreateClipsCommandParams>(
         Samples::Filled<CreateClipsCommandParams>(1), fewer);
     ExpectNothingCarriedOver<UpdateAnglesGroupCommandParams, Wire::UpdateAnglesGroupCommandParams>(
         Samples::Filled<UpdateAnglesGroupCommandParams>(1),
-        WithId<UpdateAnglesGroupCommandParams>("unset-angles"));
+        [] {
+            UpdateAnglesGroupCommandParams unset;
+            unset.commandGuid = Guid("unset-angles");
+            return unset;
+        }());
 }
 
 }  // namespace
