@@ -9,6 +9,8 @@
 #include <set>
 #include <vector>
 
+#include <Korvo/Plexis/Data/ReadableValues.h>
+
 #include "json/JsonCodec.h"
 
 namespace Korvo::Plexis::Tessel::Json {
@@ -62,55 +64,9 @@ const char* Describe(const Value& value) {
     }
 }
 
-// Appends `codePoint` to `text` in UTF-8.
-void AppendUtf8(std::string& text, std::uint32_t codePoint) {
-    if (codePoint < 0x80) {
-        text += static_cast<char>(codePoint);
-    } else if (codePoint < 0x800) {
-        text += static_cast<char>(0xC0 | (codePoint >> 6));
-        text += static_cast<char>(0x80 | (codePoint & 0x3F));
-    } else if (codePoint < 0x10000) {
-        text += static_cast<char>(0xE0 | (codePoint >> 12));
-        text += static_cast<char>(0x80 | ((codePoint >> 6) & 0x3F));
-        text += static_cast<char>(0x80 | (codePoint & 0x3F));
-    } else {
-        text += static_cast<char>(0xF0 | (codePoint >> 18));
-        text += static_cast<char>(0x80 | ((codePoint >> 12) & 0x3F));
-        text += static_cast<char>(0x80 | ((codePoint >> 6) & 0x3F));
-        text += static_cast<char>(0x80 | (codePoint & 0x3F));
-    }
-}
-
 void AppendUtf16(std::string& bytes, std::uint32_t unit) {
     bytes += static_cast<char>(unit >> 8);
     bytes += static_cast<char>(unit & 0xFF);
-}
-
-// Big-endian UTF-16 code units to UTF-8; a lone surrogate or an odd last byte becomes U+FFFD.
-std::string Utf16ToUtf8(const std::string& bytes) {
-    constexpr std::uint32_t kReplacement = 0xFFFD;
-    std::string text;
-    const auto unitAt = [&](std::size_t index) {
-        return static_cast<std::uint32_t>(static_cast<unsigned char>(bytes[index]) << 8 |
-                                          static_cast<unsigned char>(bytes[index + 1]));
-    };
-    std::size_t index = 0;
-    for (; index + 1 < bytes.size(); index += 2) {
-        const std::uint32_t unit = unitAt(index);
-        if (unit >= 0xD800 && unit < 0xDC00 && index + 3 < bytes.size()) {
-            const std::uint32_t low = unitAt(index + 2);
-            if (low >= 0xDC00 && low < 0xE000) {
-                AppendUtf8(text, 0x10000 + ((unit - 0xD800) << 10) + (low - 0xDC00));
-                index += 2;
-                continue;
-            }
-        }
-        AppendUtf8(text, unit >= 0xD800 && unit < 0xE000 ? kReplacement : unit);
-    }
-    if (index < bytes.size()) {
-        AppendUtf8(text, kReplacement);
-    }
-    return text;
 }
 
 // UTF-8 (already checked by the parser) to big-endian UTF-16 code units.
@@ -214,7 +170,7 @@ void Codec<Data::Clips::AsciiOrUtf16String>::Write(const Data::Clips::AsciiOrUtf
                                                    Value& json) {
     if (value.isUtf16) {
         json = Value::object();
-        json["utf16"] = Utf16ToUtf8(value.data);
+        json["utf16"] = Data::ToUtf8(value);
     } else {
         json = value.data;
     }
