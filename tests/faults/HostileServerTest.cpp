@@ -15,12 +15,9 @@ using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
 // AddressSanitizer keeps freed memory in quarantine (256 MiB by default) and pads every
-// allocation: there resident memory overstates what the library holds by that much, and the held
-// replies of a full 64 MiB budget by as much again.
-#if defined(__SANITIZE_ADDRESS__)
-constexpr long long kCap = kResidentCap + (512LL << 20);
-#elif defined(__SANITIZE_THREAD__)
-// ThreadSanitizer's shadow takes several times the memory the held replies take.
+// allocation; ThreadSanitizer's shadow takes several times what the program holds. There resident
+// memory overstates what the library holds by up to 512 MiB with a full 64 MiB reply budget.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr long long kCap = kResidentCap + (512LL << 20);
 #else
 constexpr long long kCap = kResidentCap;
