@@ -92,11 +92,7 @@ void RoundTripZmq(benchmark::State& state, bool inproc, bool sparse) {
     TimeRoundTrips(state, sparse, [&] { return dealer.RoundTrip(); });
 }
 
-// The library and the bare DEALER take turns, a block of round trips each, so that both see the
-// same load of the machine while each keeps its own state in the caches: on a busy machine the
-// ratio of their medians is the steadiest figure. Reported as "Library_p50_us", "Zmq_p50_us"...
-constexpr int kTurn = 64;
-
+// The library and the bare DEALER take turns (see `AlternateRoundTrips`).
 void RoundTripPaired(benchmark::State& state, bool inproc) {
     Server server(inproc);
     auto client = ConnectedClient(server.Address());
@@ -105,20 +101,8 @@ void RoundTripPaired(benchmark::State& state, bool inproc) {
         state.SkipWithError("no answer from the responder");
         return;
     }
-    Latencies library;
-    Latencies bare;
-    long turn = 0;
-    for (auto _ : state) {
-        const bool libraryTurn = (turn++ / kTurn) % 2 == 0;
-        const Clock::time_point start = Clock::now();
-        if (!(libraryTurn ? PingThrough(*client) : dealer.RoundTrip())) {
-            state.SkipWithError("a ping failed");
-            return;
-        }
-        (libraryTurn ? library : bare).Add(Clock::now() - start);
-    }
-    library.Report(state, "Library_");
-    bare.Report(state, "Zmq_");
+    AlternateRoundTrips(
+        state, [&] { return PingThrough(*client); }, [&] { return dealer.RoundTrip(); });
 }
 
 // Runs batches of pings from `threads` application threads at once, each sending back to back

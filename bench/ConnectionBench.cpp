@@ -31,7 +31,6 @@ using Plexis::Tessel::Client::Operation;
 using Plexis::Tessel::Client::Outcome;
 
 constexpr int kBatch = 3000;
-constexpr int kTurn = 64;
 
 // The responder over TCP, in a context of its own as a server in another process would be.
 struct TcpServer {
@@ -61,20 +60,8 @@ void RoundTripPaired(benchmark::State& state) {
         state.SkipWithError("no answer from the responder");
         return;
     }
-    Latencies library;
-    Latencies bare;
-    long turn = 0;
-    for (auto _ : state) {
-        const bool libraryTurn = (turn++ / kTurn) % 2 == 0;
-        const Clock::time_point start = Clock::now();
-        if (!(libraryTurn ? PingThrough(*connection) : dealer.RoundTrip())) {
-            state.SkipWithError("a ping failed");
-            return;
-        }
-        (libraryTurn ? library : bare).Add(Clock::now() - start);
-    }
-    library.Report(state, "Library_");
-    bare.Report(state, "Zmq_");
+    AlternateRoundTrips(
+        state, [&] { return PingThrough(*connection); }, [&] { return dealer.RoundTrip(); });
 }
 
 // One application thread keeps `window` pings in flight; each completion callback makes room.
