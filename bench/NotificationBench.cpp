@@ -13,6 +13,7 @@
 #include <Korvo/Common/Serialization/Serializer.h>
 #include <Korvo/Common/Serialization/SerializerImpl.h>
 #include <Korvo/Plexis/Tessel/Client/NotificationClient.h>
+#include <Korvo/Plexis/Tessel/Serialization/Thrift/Notifier/Converters.h>
 
 #include "messaging/ZmqContext.h"
 #include "support/BareThrift.h"
