@@ -100,16 +100,17 @@ function(korvo_add_client_library target)
         ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
 endfunction()
 
-# korvo_add_test(<target> SOURCES ... [DEPS ...] [LABELS ...])
+# korvo_add_test(<target> SOURCES ... [DEPS ...] [LABELS ...] [SERIAL])
 # One GoogleTest executable; each of its tests becomes a CTest test with a generous time-out, so
-# that a hang fails the run instead of stalling it.
+# that a hang fails the run instead of stalling it. SERIAL tests run alone even when CTest runs
+# others in parallel: they load the machine or measure its CPU time and memory.
 function(korvo_add_test target)
-    cmake_parse_arguments(ARG "" "" "SOURCES;DEPS;LABELS" ${ARGN})
+    cmake_parse_arguments(ARG "SERIAL" "" "SOURCES;DEPS;LABELS" ${ARGN})
     add_executable(${target} ${ARG_SOURCES})
     target_link_libraries(${target} PRIVATE ${ARG_DEPS} GTest::gmock GTest::gtest_main)
     target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR}/tests ${PROJECT_SOURCE_DIR}/src)
     korvo_target_settings(${target})
     gtest_discover_tests(${target}
         DISCOVERY_MODE PRE_TEST
-        PROPERTIES TIMEOUT 300 LABELS "${ARG_LABELS}")
+        PROPERTIES TIMEOUT 300 LABELS "${ARG_LABELS}" RUN_SERIAL ${ARG_SERIAL})
 endfunction()
