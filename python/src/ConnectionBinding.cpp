@@ -19,6 +19,7 @@
 
 #include <pybind11/stl.h>
 
+#include <Korvo/Common/Serialization/InvalidConversionException.h>
 #include <Korvo/Plexis/Tessel/Client/Connection.h>
 #include <Korvo/Plexis/Tessel/Json/CommandParamsJson.h>
 #include <Korvo/Plexis/Tessel/Json/CommandReplyJson.h>
@@ -86,7 +87,13 @@ public:
                 return;
             }
             sent = true;
-            SendTyped(live, std::move(static_cast<Params&>(*params)), id, limit, stream, latest);
+            try {
+                SendTyped(live, std::move(static_cast<Params&>(*params)), id, limit, stream,
+                          latest);
+            } catch (const Common::Serialization::InvalidConversionException& error) {
+                // Parameters the wire cannot carry are the caller's mistake, like bad JSON.
+                throw std::invalid_argument(error.what());
+            }
         });
         return id;
     }

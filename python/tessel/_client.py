@@ -40,6 +40,8 @@ def _failure(reply: Record) -> Optional[ServerFailure]:
     for result in fields.get("results") or ():
         if isinstance(result, Record) and isinstance(result._fields.get("status"), Record):
             item = next((v for k, v in result._fields.items() if k != "status"), None)
+            if isinstance(item, Record):  # a clip or playlist: named by its identifier
+                item = item._fields.get("um_id", item._fields.get("name"))
             statuses.append((item, result.status))
     for item, status in statuses:
         if status.code != 0:
