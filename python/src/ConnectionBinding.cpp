@@ -216,9 +216,36 @@ private:
     std::unordered_map<std::uint64_t, std::function<void()>> ops;
 };
 
+// For the benchmark: `count` pings sent at once through a C++ `Connection` (no Python in the
+// path), in seconds from the first send to the last reply; the GIL is released throughout.
+double PingBurst(const std::string& commands, int count) {
+    py::gil_scoped_release release;
+    Client::ConnectionOptions options;
+    options.name = "burst";
+    options.commandEndPoint = commands;
+    Client::Connection connection(options);
+    if (!connection.WaitConnected(std::chrono::seconds(10))) {
+        throw std::runtime_error("no server at " + commands);
+    }
+    std::vector<Client::Operation<Plexis::Tessel::HighLevelOperations::Commands::PingCommandParams>>
+        operations;
+    operations.reserve(static_cast<std::size_t>(count));
+    const auto start = std::chrono::steady_clock::now();
+    for (int i = 0; i < count; ++i) {
+        operations.push_back(connection.Send(Plexis::Tessel::HighLevelOperations::Commands::PingCommandParams{}));
+    }
+    for (const auto& operation : operations) {
+        if (operation.Wait() != Client::Outcome::Replied) {
+            throw std::runtime_error("a ping was not answered");
+        }
+    }
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
 }  // namespace
 
 void BindConnection(py::module_& module) {
+    module.def("ping_burst", &PingBurst, py::arg("commands"), py::arg("count"));
     py::class_<PyConnection>(module, "Connection")
         .def(py::init<const std::string&, const std::string&, const std::vector<std::string>&,
                       const std::vector<std::string>&, const std::string&, double, std::size_t,
