@@ -132,12 +132,15 @@ public:
         bridge->Close();
         auto closing = std::move(connection);
         {
+            // Nothing is cancelled through the map once closing has begun.
+            std::lock_guard<std::mutex> lock(opsMutex);
+            ops.clear();
+        }
+        {
             py::gil_scoped_release release;
             closing.reset();
         }
         bridge->ReleaseWake();
-        std::lock_guard<std::mutex> lock(opsMutex);
-        ops.clear();
     }
 
     bool Closed() const { return !connection; }

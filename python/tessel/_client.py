@@ -325,8 +325,9 @@ def _check_names(names: Iterable[str]) -> frozenset[str]:
 
 
 def _named(command: str) -> Callable[..., Awaitable[Record]]:
-    async def method(self: Server, *, timeout: Optional[float] = None, **fields: Any) -> Record:
-        return await self.call(command, timeout=timeout, **fields)
+    async def method(self: Server, *, timeout: Optional[float] = None, latest: bool = False,
+                     **fields: Any) -> Record:
+        return await self.call(command, timeout=timeout, latest=latest, **fields)
 
     method.__name__ = COMMANDS[command].method
     method.__doc__ = f"Sends {command}; see `Server.call`."

@@ -82,6 +82,10 @@ async def test_each_outcome_raises_its_own_exception(tessel_simulator):
             await server.play(players=[PLAYER], speed_num="fast")
         with pytest.raises(ValueError):
             await server.call("NoSuchCommand")
+        with pytest.raises(ValueError):  # only dial has a latest-value lane
+            await server.play(players=[PLAYER], latest=True)
+        with pytest.raises(tessel.ServerFailure):
+            await server.dial(players=[PLAYER], velocity=2, latest=True)
 
         sim.faults(malformed_fraction=1.0)
         with pytest.raises(tessel.BadReply):

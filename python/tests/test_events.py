@@ -7,6 +7,7 @@ import subprocess
 import sys
 import textwrap
 import threading
+import time
 
 import pytest
 
@@ -74,27 +75,57 @@ async def test_a_full_stream_drops_its_oldest_and_counts_them(tessel_simulator):
         assert server.dropped_notifications == 0
 
 
-@pytest.mark.parametrize("ending", ["open connections", "collected connections", "closed loop"])
+async def test_notifications_beyond_the_byte_bound_are_dropped_and_counted(tessel_simulator):
+    sim = tessel_simulator
+    async with tessel.connect(sim.commands, sim.notifications, notification_bytes=1) as server:
+        assert sim.wait_for_subscriber()
+        stream = server.notifications("PlayerStateChanged")
+        clip = (await server.get_clips()).clips[0]
+        players = [f"player:1:{n}" for n in range(4)]
+        await server.load_clips(players_parameters={p: {"clip": clip.um_id} for p in players})
+        time.sleep(1.0)  # the loop is blocked while the four notifications arrive
+        received = 0
+        while received + server.dropped_notifications < len(players):
+            await asyncio.wait_for(stream.__anext__(), 10)
+            received += 1
+        assert server.dropped_notifications >= 1
+        assert not stream._queue
+
+
+@pytest.mark.parametrize("ending", ["loop still running", "loop stopped", "collected"])
 def test_the_interpreter_exits_with_connections_open(ending):
+    # Three connections with calls pending and notifications flowing. "loop still running": the
+    # loop goes on in a daemon thread while the interpreter shuts down, so the library keeps
+    # handing work to it; "loop stopped": nothing drains any more; "collected": the connections
+    # were dropped without being closed.
     script = textwrap.dedent(f"""
-        import asyncio, gc, tessel
+        import asyncio, gc, threading, tessel
+        ending = {ending!r}
         sim = tessel.Simulator(servers=1, clips=2)
-        sim.faults(silent=True)
+        ready = threading.Event()
         keep = []
+        async def ping_forever(server):
+            while True:
+                await server.ping()
         async def main():
             for _ in range(3):
                 server = await tessel.connect(sim.commands, sim.notifications)
-                keep.append(asyncio.ensure_future(server.ping(timeout=60)))
+                server.on_notification(keep.append)
                 keep.append(server)
-            await asyncio.sleep(0.05)
-            if {ending!r} == "collected connections":
+                keep.extend(asyncio.ensure_future(ping_forever(server)) for _ in range(10))
+            sim.wait_for_subscriber()
+            await keep[0].start_recording(recorders=["recorder:1:4", "recorder:1:5"])
+            if ending == "collected":
                 keep.clear()
                 gc.collect()
-        if {ending!r} == "closed loop":
-            asyncio.run(main())
+            ready.set()
+            await asyncio.sleep(0.2 if ending != "loop still running" else 3600)
+        if ending == "loop still running":
+            threading.Thread(target=lambda: asyncio.run(main()), daemon=True).start()
+            ready.wait(30)
+            threading.Event().wait(0.3)
         else:
-            loop = asyncio.new_event_loop()
-            loop.run_until_complete(main())
+            asyncio.new_event_loop().run_until_complete(main())
         print("done", flush=True)
     """)
     result = subprocess.run([sys.executable, "-c", script], capture_output=True, text=True,
