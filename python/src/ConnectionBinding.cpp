@@ -56,10 +56,11 @@ public:
         options.topics = topics;
         options.serverPublicKey = serverKey;
         options.timeLimit = Milliseconds(timeLimit);
-        {
-            py::gil_scoped_release release;
-            connection = std::make_unique<Client::Connection>(std::move(options));
-        }
+        // The library's threads may wait for the GIL while holding their own locks (the
+        // notification thread holds its handler lock while it posts), so nothing here holds the
+        // GIL while it takes one of theirs.
+        py::gil_scoped_release release;
+        connection = std::make_unique<Client::Connection>(std::move(options));
         Subscribe();
         connection->Watch([bridge = bridge](Common::Messaging::ConnectionState state) {
             bridge->Post({Bridge::kState, 0, static_cast<int>(state),

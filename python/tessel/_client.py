@@ -264,21 +264,29 @@ class Server:
     # --- delivery -----------------------------------------------------------------------------
 
     def _drain(self) -> None:
-        for kind, number, code, text, note in self._native.take():
-            if kind == _DONE:
-                self._finish(number, code, text, note)
-            elif kind == _PART:
-                call = self._calls.get(number)
-                if call is not None and call.parts is not None:
-                    call.parts.put_nowait(record_from_json(text))
-            elif kind == _NOTIFICATION:
-                self._deliver(record_from_json(text, note))  # type: ignore[arg-type]
-            else:
-                self.state = text
-                waiters, self._state_waiters = self._state_waiters, []
-                for waiter in waiters:
-                    if not waiter.done():
-                        waiter.set_result(None)
+        for item in self._native.take():
+            try:
+                self._handle(*item)
+            except Exception as error:  # one bad item must not lose the rest of the batch
+                self._loop.call_exception_handler({
+                    "message": "tessel: could not deliver what the library reported",
+                    "exception": error})
+
+    def _handle(self, kind: int, number: int, code: int, text: str, note: str) -> None:
+        if kind == _DONE:
+            self._finish(number, code, text, note)
+        elif kind == _PART:
+            call = self._calls.get(number)
+            if call is not None and call.parts is not None:
+                call.parts.put_nowait(record_from_json(text))
+        elif kind == _NOTIFICATION:
+            self._deliver(record_from_json(text, note))  # type: ignore[arg-type]
+        else:
+            self.state = text
+            waiters, self._state_waiters = self._state_waiters, []
+            for waiter in waiters:
+                if not waiter.done():
+                    waiter.set_result(None)
 
     def _finish(self, number: int, code: int, text: str, reason: str) -> None:
         call = self._calls.pop(number, None)
@@ -292,7 +300,11 @@ class Server:
         if outcome != "Replied":
             call.future.set_exception(_ERRORS[outcome](reason or outcome))
             return
-        reply = record_from_json(text)
+        try:
+            reply = record_from_json(text)
+        except (ValueError, KeyError) as error:
+            call.future.set_exception(BadReply(f"the reply's JSON could not be read: {error}"))
+            return
         failure = _failure(reply)
         if failure is not None:
             call.future.set_exception(failure)
