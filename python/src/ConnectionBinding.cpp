@@ -59,13 +59,19 @@ public:
         // The library's threads may wait for the GIL while holding their own locks (the
         // notification thread holds its handler lock while it posts), so nothing here holds the
         // GIL while it takes one of theirs.
-        py::gil_scoped_release release;
-        connection = std::make_unique<Client::Connection>(std::move(options));
-        Subscribe();
-        connection->Watch([bridge = bridge](Common::Messaging::ConnectionState state) {
-            bridge->Post({Bridge::kState, 0, static_cast<int>(state),
-                          Common::Messaging::ToString(state), {}});
-        });
+        try {
+            py::gil_scoped_release release;
+            connection = std::make_unique<Client::Connection>(std::move(options));
+            Subscribe();
+            connection->Watch([bridge = bridge](Common::Messaging::ConnectionState state) {
+                bridge->Post({Bridge::kState, 0, static_cast<int>(state),
+                              Common::Messaging::ToString(state), {}});
+            });
+        } catch (...) {
+            Close();  // with the GIL again, as the destructor would
+            bridge->ReleaseWake();
+            throw;
+        }
     }
 
     ~PyConnection() { Close(); }
@@ -128,7 +134,7 @@ public:
     // joins the library's threads, with the GIL released: their last wake-ups may need it.
     void Close() {
         if (!connection) {
-            return;
+            return;  // closed already, or never made (the constructor released the wake)
         }
         bridge->Close();
         auto closing = std::move(connection);

@@ -125,6 +125,8 @@ async def test_a_server_that_is_not_there_is_reported_at_connect():
         endpoint = sim.commands
     with pytest.raises(tessel.TimedOut):
         await tessel.connect(endpoint, time_limit=0.3)
+    with pytest.raises(ValueError):
+        await tessel.connect("not an endpoint")
 
 
 async def test_a_thousand_concurrent_calls_from_one_loop_all_end(tessel_simulator):
