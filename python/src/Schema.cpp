@@ -165,14 +165,15 @@ py::dict Schema() {
         using Params = std::remove_pointer_t<decltype(params)>;
         using Traits = Client::CommandTraits<Params>;
         commands.append(py::make_tuple(
-            std::string(Traits::kName), std::string(Client::ReplyTraits<typename Traits::Reply>::kName),
+            std::string(Traits::kName),
+            std::string(Client::ReplyTraits<typename Traits::Reply>::kClassName),
             Traits::kReadOnly, Client::kIsContinuous<Params>, collector.FieldsOf<Params>()));
     });
     py::list replies;
     Client::ForEachReply([&](auto* reply) {
         using Reply = std::remove_pointer_t<decltype(reply)>;
         using Traits = Client::ReplyTraits<Reply>;
-        replies.append(py::make_tuple(std::string(Traits::kName), Traits::kAcceptsPart,
+        replies.append(py::make_tuple(std::string(Traits::kClassName), Traits::kAcceptsPart,
                                       collector.FieldsOf<Reply>()));
     });
     py::list notifications;

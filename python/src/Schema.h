@@ -5,8 +5,9 @@
 namespace Korvo::Python {
 
 /// The message tables as Python data (built under the GIL, at import):
-/// - "commands": (name, reply type name, read-only, continuous, fields) per command;
-/// - "replies": (type name, may come in parts, fields) per reply;
+/// - "commands": (name, reply class, read-only, continuous, fields) per command;
+/// - "replies": (class name, may come in parts, fields) per reply; the class name is the "type"
+///   of the reply's JSON form;
 /// - "notifications": (type name, family, fields) per notification;
 /// - "classes": the value classes the fields reach, name -> fields.
 /// `fields` is a list of (JSON key, type), where a type is ("int",), ("bool",), ("str",),
