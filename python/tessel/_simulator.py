@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import weakref
 from typing import Any, Dict, Optional
 
 from . import _tessel
@@ -22,6 +23,9 @@ class Simulator:
         self.commands: str = self._native.commands
         self.notifications: str = self._native.notifications
         self.public_key: Optional[str] = self._native.public_key or None
+        # Stopped when collected or, at the latest, before the interpreter shuts down: its thread
+        # must not outlive the process's static data.
+        self._finalizer = weakref.finalize(self, self._native.stop)
 
     def faults(self, *, reply_delay: float = 0.0, reply_jitter: float = 0.0,
                drop_fraction: float = 0.0, malformed_fraction: float = 0.0,
@@ -63,7 +67,7 @@ class Simulator:
         return int(self._native.clip_count())
 
     def stop(self) -> None:
-        self._native.stop()
+        self._finalizer()
 
     def __enter__(self) -> "Simulator":
         return self

@@ -75,15 +75,19 @@ async def test_a_full_stream_drops_its_oldest_and_counts_them(tessel_simulator):
         assert server.dropped_notifications == 0
 
 
+@pytest.mark.tessel_simulator(servers=1, players=8)
 async def test_notifications_beyond_the_byte_bound_are_dropped_and_counted(tessel_simulator):
     sim = tessel_simulator
     async with tessel.connect(sim.commands, sim.notifications, notification_bytes=1) as server:
         assert sim.wait_for_subscriber()
         stream = server.notifications("PlayerStateChanged")
         clip = (await server.get_clips()).clips[0]
-        players = [f"player:1:{n}" for n in range(4)]
+        players = [f"player:1:{n}" for n in range(8)]
         await server.load_clips(players_parameters={p: {"clip": clip.um_id} for p in players})
-        time.sleep(1.0)  # the loop is blocked while the four notifications arrive
+        # The loop is blocked (no await) while the eight notifications arrive.
+        deadline = time.monotonic() + 30
+        while server.dropped_notifications == 0 and time.monotonic() < deadline:
+            time.sleep(0.01)
         received = 0
         while received + server.dropped_notifications < len(players):
             await asyncio.wait_for(stream.__anext__(), 10)
