@@ -10,18 +10,14 @@ import asyncio
 import collections
 import functools
 import json
-import logging
 import weakref
 from typing import (Any, AsyncIterator, Awaitable, Callable, Deque, Dict, Iterable, List,
                     Optional, Set, Union)
 
 from . import _tessel
-from ._errors import (BadReply, Cancelled, LinkLost, NotSent, ServerFailure, TesselError,
-                      TimedOut)
+from ._errors import BadReply, Cancelled, LinkLost, NotSent, ServerFailure, TimedOut
 from ._records import Notification, Record, record_from_json, to_json_fields
 from ._schema import COMMANDS, FAMILIES, NOTIFICATIONS
-
-_log = logging.getLogger("tessel")
 
 _OUTCOMES = dict(_tessel.OUTCOMES)
 _ERRORS = {"NotSent": NotSent, "LinkLost": LinkLost, "TimedOut": TimedOut,
