@@ -66,6 +66,14 @@ struct MirroredRecorder {
     Data::Channels::RecorderState state;
     std::vector<Data::Clips::RecordingRange> ranges;
     bool isLoopRecording = false;
+
+    friend bool operator==(const MirroredRecorder& left, const MirroredRecorder& right) {
+        return left.state == right.state && left.ranges == right.ranges &&
+               left.isLoopRecording == right.isLoopRecording;
+    }
+    friend bool operator!=(const MirroredRecorder& left, const MirroredRecorder& right) {
+        return !(left == right);
+    }
 };
 
 namespace Detail {
