@@ -1023,11 +1023,11 @@ void MirrorEngine::Apply(Source& source, const Notice& notice, std::set<std::str
                                        : std::make_shared<MirroredRecorder>();
                 if constexpr (std::is_same_v<Args, Events::RecorderStateChangedEventArgs>) {
                     mirrored->state = args.state;
-                } else {
+                    touch(args.channelGuid.ToString());
+                } else {  // ranges are not listed with the channels: nothing to settle
                     mirrored->ranges = args.ranges;
                     mirrored->isLoopRecording = args.isLoopRecording;
                 }
-                touch(args.channelGuid.ToString());
                 std::shared_ptr<const MirroredRecorder> after = std::move(mirrored);
                 if (!Same(before, after)) {
                     source.recorders = With(source.recorders, args.channelGuid, after);

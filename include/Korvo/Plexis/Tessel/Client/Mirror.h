@@ -45,8 +45,10 @@ struct MirrorOptions {
     /// The catalogue (clips, playlists, angles groups, trains) is re-read and compared this
     /// often, clips a listing part at a time.
     std::chrono::milliseconds catalogueCheckPeriod{30000};
-    /// Notifications held while a listing is under way, in bytes of their payload, per source.
-    /// Beyond it they are dropped, counted, and the source is listed again.
+    /// Notifications waiting for the mirror's thread, and those held back during each listing,
+    /// at most this many bytes each (an estimate of their size in memory). Beyond it they are
+    /// dropped, counted (`MirrorStatistics::notificationsDropped`), and the source goes stale
+    /// and is listed again.
     std::size_t heldNotificationBytes = std::size_t{4} << 20;
     /// The time limit of one listing.
     std::chrono::milliseconds listingTimeLimit{10000};
