@@ -6,6 +6,7 @@
 #include <malloc.h>
 
 #include <chrono>
+#include <cstdlib>
 #include <memory>
 #include <vector>
 
@@ -15,6 +16,9 @@
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/GetClipsCommandParams.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/GetClipsCommandReply.h>
 #include <Korvo/Plexis/Tessel/Simulator/Simulator.h>
+
+#include <Korvo/Plexis/Tessel/Logging/Loggers.h>
+#include <Korvo/Plexis/Tessel/Logging/StandardErrorLoggerFactory.h>
 
 #include "mirror/MirrorData.h"
 #include "support/Measure.h"
@@ -29,11 +33,20 @@ using Plexis::Data::Clips::Clip;
 
 std::size_t HeapInUse() {
     malloc_trim(0);
-    return mallinfo2().uordblks;
+    const auto info = mallinfo2();
+    return info.uordblks + info.hblkhd;  // small blocks and those mapped on their own
 }
 
 double Seconds(Clock::time_point since) {
     return std::chrono::duration<double>(Clock::now() - since).count();
+}
+
+// A simulator of `clips` clips whose send queues hold a whole listing of them.
+Sim::SimulatorOptions Holding(int clips) {
+    Sim::SimulatorOptions options;
+    options.clips = clips;
+    options.peerQueueBytes = options.sendQueueBytes = std::size_t{1} << 30;
+    return options;
 }
 
 struct Followed {
@@ -56,8 +69,7 @@ bool AllLive(const SourceSnapshot& source) {
 // A simulator holding `clips` clips and a mirror of it, live.
 Followed Follow(int clips, std::chrono::milliseconds catalogueCheck = std::chrono::seconds(30)) {
     Followed followed;
-    Sim::SimulatorOptions options;
-    options.clips = clips;
+    auto options = Holding(clips);
     followed.simulator = std::make_unique<Sim::Simulator>(options);
     MirrorOptions mirrorOptions;
     ConnectionOptions source;
@@ -78,16 +90,14 @@ void MemoryPerClip(benchmark::State& state) {
     const int count = static_cast<int>(state.range(0));
     std::vector<Clip> listed;
     {
-        Sim::SimulatorOptions options;
-        options.clips = count;
-        Sim::Simulator simulator(options);
+        Sim::Simulator simulator(Holding(count));
         ConnectionOptions direct;
         direct.commandEndPoint = simulator.CommandEndpoint();
         direct.timeLimit = std::chrono::seconds(60);
         Connection connection(direct);
         auto operation = connection.Send(Commands::GetClipsCommandParams{});
         if (operation.Wait() != Outcome::Replied) {
-            state.SkipWithError("no clip listing");
+            state.SkipWithError(("no clip listing: " + std::string(ToString(operation.GetOutcome())) + " " + operation.Reason()).c_str());
             return;
         }
         listed = operation.Get<Commands::GetClipsCommandReply>()->clips;
@@ -135,6 +145,11 @@ BENCHMARK(SnapshotTime)->Arg(1000)->Arg(100000)->Unit(benchmark::kNanosecond);
 // Start-up (subscribe, list, live), a channel changed without a notification, a clip changed
 // without a notification, and a restart, each timed until the mirror shows it.
 void Convergence(benchmark::State& state) {
+    if (std::getenv("KORVO_BENCH_LOG")) {  // what the mirror does, on standard error
+        auto& loggers = Plexis::Tessel::Logging::Loggers::GetInstance();
+        loggers.SetLoggerFactory(std::make_unique<Plexis::Tessel::Logging::StandardErrorLoggerFactory>());
+        loggers.SetLoggingLevel(Plexis::Tessel::Logging::ILogger::Info);
+    }
     const int clips = static_cast<int>(state.range(0));
     for (auto _ : state) {
         const auto start = Clock::now();
@@ -188,3 +203,5 @@ BENCHMARK(Convergence)->Arg(1000)->Arg(100000)->Iterations(1)->Unit(benchmark::k
 
 }  // namespace
 }  // namespace Korvo::Bench
+
+BENCHMARK_MAIN();

@@ -236,16 +236,29 @@ void MirrorEngine::Stop() {
     }
     // The connections end their pending listings; what their callbacks post is not run.
     for (auto& source : sources) {
+        if (auto* notifications = source->connection->Notifications()) {
+            notifications->GetSubscription().SetConnectionStateHandler({});
+        }
+        source->connection->Unwatch(source->commandWatcher);
         source->connection.reset();
     }
 }
 
 void MirrorEngine::Attach(Source& source) {
+    const std::size_t index = source.index;
+    const auto linkState = [this, index](ConnectionState state) {
+        if (state != ConnectionState::Connected) {
+            ++sources[index]->linkDrops;
+        }
+        Post({[] {}});  // wakes the mirror's thread to look at the links
+    };
+    source.commandWatcher = source.connection->Watch(linkState);
     auto* notifications = source.connection->Notifications();
     if (!notifications) {
         return;
     }
-    const std::size_t index = source.index;
+    notifications->GetSubscription().SetConnectionStateHandler(
+        [linkState](const Common::Messaging::EndPoint&, ConnectionState state) { linkState(state); });
     auto lock = notifications->LockHandlers();
     auto forward = [this, index](auto& handlers) {
         using Handlers = std::decay_t<decltype(handlers)>;
@@ -374,27 +387,26 @@ void MirrorEngine::CheckLinks(Source& source, Clock::time_point now) {
             up = up && state == ConnectionState::Connected;
         }
     }
-    if (up == source.linksUp) {
+    const auto drops = source.linkDrops.load();
+    const bool flapped = drops != source.linkDropsSeen;
+    source.linkDropsSeen = drops;
+    if (up == source.linksUp && !flapped) {
         return;
     }
-    source.linksUp = up;
-    if (!up) {
+    if (source.linksUp) {
+        source.linksUp = false;
         // Whatever was under way is abandoned; everything is listed again once the links return.
-        for (int part : {kChannels, kCatalogue}) {
-            auto& job = source.jobs[part];
-            ++job.generation;
-            job.busy = false;
-            job.needed = true;
-            for (auto& held : job.held) {
-                Apply(source, held.notice, nullptr);
-            }
-            job.held.clear();
-            job.heldBytes = 0;
+        for (Part part : {kChannels, kCatalogue}) {
+            Abandon(source, part);
+            source.jobs[part].needed = true;
         }
         SetAllServers(source, SyncState::Lost, false);
         SetCatalogueState(source, SyncState::Lost, false);
+    }
+    if (!up) {
         return;
     }
+    source.linksUp = true;
     for (int part : {kChannels, kCatalogue}) {
         source.jobs[part].needed = true;
         source.jobs[part].retryAt = now;
@@ -445,6 +457,11 @@ void MirrorEngine::StartJobs(Source& source, Clock::time_point now) {
         if (!wanted) {
             continue;
         }
+        // Channels first: on one link a catalogue listing would hold their replies back.
+        const auto& channels = source.jobs[kChannels];
+        if (part == kCatalogue && (channels.needed || (channels.busy && !channels.verifying))) {
+            continue;
+        }
         job.verifying = !job.needed;
         job.needed = false;
         job.busy = true;
@@ -461,17 +478,27 @@ bool MirrorEngine::Current(const Source& source, Part part, std::uint64_t genera
     return source.jobs[part].busy && source.jobs[part].generation == generation;
 }
 
-void MirrorEngine::JobFailed(Source& source, Part part, const std::string& why) {
+void MirrorEngine::Abandon(Source& source, Part part) {
     auto& job = source.jobs[part];
+    if (!job.busy) {
+        return;
+    }
     ++job.generation;
     job.busy = false;
     job.needed = true;
-    job.retryAt = Clock::now() + kRetry;
-    for (auto& held : job.held) {
-        Apply(source, held.notice, nullptr);
-    }
+    job.retryAt = Clock::now();
+    // What was held is newer than what the mirror had before the listing: apply it.
+    auto held = std::move(job.held);
     job.held.clear();
     job.heldBytes = 0;
+    for (auto& notice : held) {
+        Apply(source, notice.notice, nullptr);
+    }
+}
+
+void MirrorEngine::JobFailed(Source& source, Part part, const std::string& why) {
+    Abandon(source, part);
+    source.jobs[part].retryAt = Clock::now() + kRetry;
     if (const auto admitted = resyncLog.Admit()) {
         KORVO_LOG_COMPOSED(logger, ILogger::Info, [&] {
             return source.name + ": listing failed (" + why + "); trying again." +
@@ -1038,9 +1065,12 @@ void MirrorEngine::Apply(Source& source, const Notice& notice, std::set<std::str
             } else if constexpr (std::is_same_v<Args, Events::ServerAddedEventArgs>) {
                 // A server announced again (a restart, a return to the network, or a new one):
                 // whatever it did while away is unknown.
+                // A listing under way may have lost its reply with the restart: start afresh.
                 source.offNetwork.erase(args.server.serverId);
-                Need(source, kChannels, "a server was announced");
-                Need(source, kCatalogue, "a server was announced");
+                for (Part part : {kChannels, kCatalogue}) {
+                    Abandon(source, part);
+                    Need(source, part, "a server was announced");
+                }
             } else if constexpr (std::is_same_v<Args, Events::ServerRemovedEventArgs>) {
                 const auto found = source.servers->find(args.serverId);
                 if (found != source.servers->end()) {

@@ -96,6 +96,11 @@ private:
         std::string name;
         std::unique_ptr<Connection> connection;
         std::atomic<bool> overflowed{false};  // the inbox dropped one of its notifications
+        // Times a link was reported anything but connected: a restart can take a link down and
+        // up again between two looks at its state, losing the replies of listings under way.
+        std::atomic<std::uint64_t> linkDrops{0};
+        std::uint64_t linkDropsSeen = 0;
+        int commandWatcher = 0;
         std::uint64_t droppedSeen = 0;
         bool linksUp = false;
 
@@ -141,6 +146,7 @@ private:
     void StartCatalogue(Source& source);
     void Need(Source& source, Part part, const char* why);
     void JobFailed(Source& source, Part part, const std::string& why);
+    void Abandon(Source& source, Part part);
     void FinishJob(Source& source, Part part);
     bool Current(const Source& source, Part part, std::uint64_t generation) const;
 
