@@ -248,6 +248,9 @@ public:
         options.sources = {source};
         options.channelCheckPeriod = std::chrono::milliseconds(300);
         options.catalogueCheckPeriod = std::chrono::milliseconds(1000);
+        // Longer than the convergence bound: a listing whose reply was lost must be noticed,
+        // not waited out.
+        options.listingTimeLimit = std::chrono::seconds(60);
         mirror = std::make_unique<Mirror>(options);
         mirror->Watch([this](const MirrorEvent& event) { chain(event); });
         ASSERT_TRUE(Converged()) << lastDifference;
