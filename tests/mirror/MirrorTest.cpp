@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <iostream>
 #include <map>
 #include <mutex>
 #include <random>
@@ -513,7 +514,19 @@ TEST_F(MirrorFixture, RandomisedSoakEndsEqualToAFreshListing) {
     commandRelay->Replug();
     noticeRelay->Replug();
     EXPECT_FALSE(failed.load());
+    const auto cleared = std::chrono::steady_clock::now();
     EXPECT_TRUE(Converged()) << lastDifference;
+    const auto statistics = mirror->Statistics();
+    std::uint64_t differences = 0;
+    for (const auto count : statistics.differences) {
+        differences += count;
+    }
+    std::cout << "soak: " << length.count() << " s, converged "
+              << std::chrono::duration<double>(std::chrono::steady_clock::now() - cleared).count()
+              << " s after the faults cleared; notifications " << statistics.notificationsApplied
+              << ", dropped " << statistics.notificationsDropped << ", resyncs "
+              << statistics.resyncs << ", checks " << statistics.verifications
+              << ", differences found " << differences << '\n';
 }
 
 }  // namespace
