@@ -7,6 +7,9 @@ option(KORVO_BUILD_EXAMPLES "Build the example programs" ${PROJECT_IS_TOP_LEVEL}
 # Benchmarks are for release builds of this project itself (the release preset turns them on);
 # they are never built for a parent project.
 option(KORVO_BUILD_BENCHMARKS "Build the benchmarks (top-level builds only)" OFF)
+# The Python package needs the simulator (KORVO_BUILD_TOOLS), pybind11 and the Python headers; it is
+# skipped with a note when they are missing.
+option(KORVO_BUILD_PYTHON "Build the Python package tessel" ${PROJECT_IS_TOP_LEVEL})
 option(KORVO_BUILD_FUZZERS "Build the libFuzzer targets of fuzz/ (clang only)" OFF)
 # The client library is shared unless BUILD_SHARED_LIBS says otherwise. A parent project that adds
 # this one with add_subdirectory keeps its own choice (static when it has made none).

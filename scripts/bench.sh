@@ -14,7 +14,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 repetitions=${KORVO_BENCH_REPETITIONS:-5}
 out=${KORVO_BENCH_OUT:-build/release/bench-results}
-programs=(serialization_bench command_bench connection_bench notification_bench idle_bench)
+programs=(serialization_bench command_bench connection_bench notification_bench idle_bench mirror_bench)
 
 if [[ "${1:-}" != --table-only ]]; then
     cmake --preset release >/dev/null
@@ -22,8 +22,9 @@ if [[ "${1:-}" != --table-only ]]; then
     mkdir -p "$out"
     for program in "${programs[@]}"; do
         args=(--benchmark_out="$out/$program.json" --benchmark_out_format=json)
-        # The idle program sleeps five seconds per figure: once is enough.
-        if [[ $program != idle_bench ]]; then
+        # The idle program sleeps five seconds per figure, the mirror's waits for servers: once
+        # is enough.
+        if [[ $program != idle_bench && $program != mirror_bench ]]; then
             args+=(--benchmark_repetitions="$repetitions" --benchmark_report_aggregates_only=true
                 --benchmark_enable_random_interleaving=true)
         fi
@@ -147,6 +148,26 @@ for key in sorted((k for k in results if k.split("/")[0] in ("RoundTrip", "Pipel
         lib, base = value(key, "Library", metric), value(key, "Zmq", metric)
         if lib is not None:
             row(f"{key} {label} per item: library / ZeroMQ", lib, base, ratio(lib, base))
+
+# The mirror: memory per clip against plain clips, snapshot time, convergence after faults.
+for clips, run in sorted(results.get("MemoryPerClip", {}).items()):
+    mirrored, plain = float(run["mirrored_bytes"]), float(run["clip_bytes"])
+    r = ratio(mirrored, plain)
+    row(f"Mirror: heap bytes per clip ({clips} clips): mirrored / plain Clip", mirrored, plain, r,
+        "<= 1.50", r is not None and r <= 1.5, digits=0)
+for clips, run in sorted(results.get("SnapshotTime", {}).items(), key=lambda kv: int(kv[0])):
+    ns = float(run["real_time"])
+    row(f"Mirror: snapshot of {clips} clips (ns)", ns, None, None, "< 1000 ns", ns < 1000, digits=0)
+for clips, run in sorted(results.get("Convergence", {}).items(), key=lambda kv: int(kv[0])):
+    for metric, target, limit in (("startup_s", None, None),
+                                  ("silent_channel_s", "<= 2 s", 2.0),
+                                  ("silent_clip_s", "<= 5 s (one catalogue check)", 5.0),
+                                  ("restart_channels_s", "<= 1 s", 1.0),
+                                  ("restart_all_s", None, None)):
+        if metric in run:
+            v = float(run[metric])
+            row(f"Mirror of {clips} clips: {metric}", v, None, None, target,
+                None if limit is None else v <= limit)
 
 for key in sorted(k for k in results if k.startswith("Idle/")):
     cpu, base = value(key, "Library", "cpu_percent"), value(key, "Zmq", "cpu_percent")

@@ -20,6 +20,7 @@ packages=(
     libgtest-dev libgmock-dev libbenchmark-dev
     libcli11-dev nlohmann-json3-dev
     clang libclang-rt-14-dev
+    pybind11-dev python3-dev python3-pytest python3-pytest-asyncio mypy
     dpkg-dev file
 )
 

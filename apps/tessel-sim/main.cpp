@@ -56,6 +56,7 @@ int main(int argc, char** argv) {
     bool curve = false;
     bool verbose = false;
     long long delayMs = 0;
+    long long noticeDelayMs = 0;
     long long jitterMs = 0;
     std::size_t stateFileLimitMb = options.stateFileLimitBytes >> 20;
     std::size_t peerQueueMb = options.peerQueueBytes >> 20;
@@ -147,6 +148,15 @@ int main(int argc, char** argv) {
                    "Send this fraction's final reply twice")
         ->check(Within(0, 1));
     app.add_flag("--silent", options.faults.silent, "Read commands and never answer");
+    app.add_option("--notification-drop-fraction", options.faults.notificationDropFraction,
+                   "Never publish this fraction of notifications")
+        ->check(Within(0, 1));
+    app.add_option("--notification-delay-fraction", options.faults.notificationDelayFraction,
+                   "Publish this fraction of notifications late, after later ones")
+        ->check(Within(0, 1));
+    app.add_option("--notification-delay-ms", noticeDelayMs,
+                   "How late the delayed notifications are published (at most an hour)")
+        ->check(Within(0, kMaxDelayMs));
     app.add_flag("-v,--verbose", verbose, "Log what the simulator does to standard error");
     CLI11_PARSE(app, argc, argv);
 
@@ -157,6 +167,7 @@ int main(int argc, char** argv) {
     options.subscriptionBytes = subscriptionsMb << 20;
     options.faults.replyDelay = std::chrono::milliseconds(delayMs);
     options.faults.replyJitter = std::chrono::milliseconds(jitterMs);
+    options.faults.notificationDelay = std::chrono::milliseconds(noticeDelayMs);
     if (ephemeral) {
         options.commandAddress = options.notificationAddress = "tcp://127.0.0.1:*";
     }

@@ -114,6 +114,11 @@ public:
     /// Lets time pass: recorders publish their growing ranges, players stop at their bounds.
     void Tick();
 
+    /// What an operator at the server's panel does to a channel or a clip, through the same
+    /// handlers as the commands; the caller decides whether what they emit is published.
+    bool OperatorToggleChannel(const Data::Channels::Guid& channel);
+    bool OperatorRenameClip(const std::string& umId, const std::string& name);
+
     int AddServer();
     bool RemoveServer(int serverId);
     bool SetOnline(int serverId, bool online);

@@ -393,4 +393,20 @@ void Model::Handle(const Commands::UpdatePlaylistsCommandParams& params) {
     }
     Answer(std::move(reply));
 }
+bool Model::OperatorRenameClip(const std::string& umId, const std::string& name) {
+    const auto found = clips.find(umId);
+    if (found == clips.end()) {
+        return false;
+    }
+    Commands::UpdateClipsCommandParams update;
+    update.commandGuid = Data::Guid("operator");
+    Commands::UpdateClipParams change;
+    change.oldClip = found->second.clip;
+    change.newClip = found->second.clip;
+    change.newClip.name = Data::Clips::AsciiOrUtf16String::Ascii(name);
+    update.clips.push_back(std::move(change));
+    Handle(update);
+    return true;
+}
+
 }  // namespace Korvo::Plexis::Tessel::Simulator

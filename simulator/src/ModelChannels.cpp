@@ -321,4 +321,36 @@ void Model::Handle(const Commands::SetMultiviewerDataCommandParams& params) {
     }
     Answer(ChannelAnswer{params.commandGuid, results});
 }
+bool Model::OperatorToggleChannel(const ChannelId& channel) {
+    if (const auto player = players.find(channel); player != players.end()) {
+        if (player->second.mode == Idle && !clips.empty()) {
+            Commands::LoadClipsCommandParams load;
+            load.commandGuid = Data::Guid("operator");
+            load.playersParameters[channel].clip = Data::Guid(clips.begin()->first);
+            Handle(load);
+        } else {
+            Commands::GoIdleCommandParams idle;
+            idle.commandGuid = Data::Guid("operator");
+            idle.players.insert(channel);
+            Handle(idle);
+        }
+        return true;
+    }
+    if (const auto recorder = recorders.find(channel); recorder != recorders.end()) {
+        if (recorder->second.recording) {
+            Commands::StopCommandParams stop;
+            stop.commandGuid = Data::Guid("operator");
+            stop.recorders.insert(channel);
+            Handle(stop);
+        } else {
+            Commands::StartCommandParams start;
+            start.commandGuid = Data::Guid("operator");
+            start.recorders.insert(channel);
+            Handle(start);
+        }
+        return true;
+    }
+    return false;
+}
+
 }  // namespace Korvo::Plexis::Tessel::Simulator

@@ -124,14 +124,15 @@ constexpr auto kMaxDelay = std::chrono::hours(1);
 
 void CheckFaults(const Faults& faults) {
     for (const double fraction :
-         {faults.dropFraction, faults.malformedFraction, faults.duplicateFraction}) {
+         {faults.dropFraction, faults.malformedFraction, faults.duplicateFraction,
+          faults.notificationDropFraction, faults.notificationDelayFraction}) {
         if (!(fraction >= 0 && fraction <= 1)) {  // NaN fails both
             throw std::invalid_argument("fault fractions must be between 0 and 1");
         }
     }
-    for (const auto delay : {faults.replyDelay, faults.replyJitter}) {
+    for (const auto delay : {faults.replyDelay, faults.replyJitter, faults.notificationDelay}) {
         if (delay.count() < 0 || delay > kMaxDelay) {
-            throw std::invalid_argument("reply delays must be between 0 and one hour");
+            throw std::invalid_argument("reply and notification delays must be between 0 and one hour");
         }
     }
 }
@@ -218,6 +219,21 @@ public:
         });
     }
 
+    // Runs `change` on the model as an operator at the server would: what it emits, replies and
+    // notifications alike, is dropped.
+    template <class Change>
+    bool Unannounced(Change change) {
+        return Call([this, change] {
+            Emitter scratch(options.partSize);
+            model.Use(scratch);
+            const bool changed = change(model);
+            if (changed) {
+                Count([](Statistics& s) { ++s.unannouncedChanges; });
+            }
+            return changed;
+        });
+    }
+
     // On the simulator's thread: closes both sockets, losing what was not sent, and binds again.
     // On failure the simulator stays unbound and `Run` tries again every second.
     void Restart() {
@@ -226,6 +242,8 @@ public:
         }
         delayed.clear();
         delayedBytes = 0;
+        delayedNotices.clear();
+        delayedNoticeBytes = 0;
         delayedByPeer.clear();
         outbox.clear();
         outboxBytes = 0;
@@ -289,6 +307,8 @@ private:
     bool FlushOutbox();
     void Shed(const char* where, std::size_t held, std::size_t limit);
     void Publish(const std::vector<Notice>& notices);
+    void PublishOne(const Notice& notice);
+    void PublishDue(Clock::time_point now);
     void SendDue(Clock::time_point now);
     void SaveState();
     bool Draw(double fraction) {
@@ -308,6 +328,9 @@ private:
     Model model;
     std::mt19937_64 random;
     std::deque<Delayed> delayed;  // in the order of their due times
+    // Notifications held back by a fault, in the order of their due times.
+    std::deque<std::pair<Clock::time_point, Notice>> delayedNotices;
+    std::size_t delayedNoticeBytes = 0;
     std::size_t delayedBytes = 0;
     // Of `delayedBytes`, each peer's share: one peer that floods may not take all the room and
     // leave every other peer's replies to be shed.
@@ -477,6 +500,9 @@ void Simulator::Impl::Run() {
         if (!delayed.empty()) {
             wakeAt = std::min(wakeAt, delayed.front().due);
         }
+        if (!delayedNotices.empty()) {
+            wakeAt = std::min(wakeAt, delayedNotices.front().first);
+        }
         if (!outbox.empty()) {
             wakeAt = std::min(wakeAt, Clock::now() + kRetryInterval);
         }
@@ -513,6 +539,7 @@ void Simulator::Impl::Run() {
         outboxMoving = !outbox.empty() && FlushOutbox();
         const auto now = Clock::now();
         SendDue(now);
+        PublishDue(now);
         if (!router && nextRebind != Clock::time_point{} && now >= nextRebind) {
             try {
                 Bind(Clock::duration::zero());
@@ -775,13 +802,56 @@ void Simulator::Impl::Publish(const std::vector<Notice>& notices) {
     if (!publisher) {
         return;
     }
-    zmq::socket_ref socket(zmq::from_handle, publisher.get());
-    for (const auto& notice : notices) {
-        socket.send(zmq::buffer(notice.topic), zmq::send_flags::sndmore);
-        socket.send(zmq::buffer(notice.header), zmq::send_flags::sndmore);
-        socket.send(zmq::buffer(notice.payload), zmq::send_flags::none);
+    Faults current;
+    {
+        std::lock_guard<std::mutex> lock(faultsMutex);
+        current = faults;
     }
-    Count([&](Statistics& s) { s.notificationsPublished += notices.size(); });
+    std::uint64_t dropped = 0, held = 0, published = 0;
+    const auto due = Clock::now() + current.notificationDelay;
+    for (const auto& notice : notices) {
+        if (Draw(current.notificationDropFraction)) {
+            ++dropped;
+            continue;
+        }
+        const std::size_t cost = notice.topic.size() + notice.header.size() + notice.payload.size();
+        // Beyond the bound of held replies, a notice that would be held is published at once.
+        if (current.notificationDelay.count() > 0 && Draw(current.notificationDelayFraction) &&
+            delayedNoticeBytes + cost <= options.delayedReplyBytes) {
+            delayedNoticeBytes += cost;
+            delayedNotices.emplace_back(due, notice);
+            ++held;
+            continue;
+        }
+        PublishOne(notice);
+        ++published;
+    }
+    Count([&](Statistics& s) {
+        s.notificationsPublished += published;
+        s.notificationsDropped += dropped;
+        s.notificationsDelayed += held;
+    });
+}
+
+void Simulator::Impl::PublishOne(const Notice& notice) {
+    zmq::socket_ref socket(zmq::from_handle, publisher.get());
+    socket.send(zmq::buffer(notice.topic), zmq::send_flags::sndmore);
+    socket.send(zmq::buffer(notice.header), zmq::send_flags::sndmore);
+    socket.send(zmq::buffer(notice.payload), zmq::send_flags::none);
+}
+
+void Simulator::Impl::PublishDue(Clock::time_point now) {
+    std::uint64_t published = 0;
+    while (publisher && !delayedNotices.empty() && delayedNotices.front().first <= now) {
+        const auto& notice = delayedNotices.front().second;
+        delayedNoticeBytes -= notice.topic.size() + notice.header.size() + notice.payload.size();
+        PublishOne(notice);
+        delayedNotices.pop_front();
+        ++published;
+    }
+    if (published != 0) {
+        Count([&](Statistics& s) { s.notificationsPublished += published; });
+    }
 }
 
 void Simulator::Impl::ReadSubscriptions() {
@@ -865,6 +935,16 @@ void Simulator::Restart() {
         impl->Restart();
         return true;
     });
+}
+
+bool Simulator::ChangeChannelUnannounced(const std::string& channel) {
+    const auto id = Data::Channels::Guid::Parse(channel);
+    return id && impl->Unannounced([id = *id](Model& model) { return model.OperatorToggleChannel(id); });
+}
+
+bool Simulator::ChangeClipUnannounced(const std::string& umId, const std::string& name) {
+    return impl->Unannounced(
+        [umId, name](Model& model) { return model.OperatorRenameClip(umId, name); });
 }
 
 bool Simulator::DropOffNetwork(int serverId) {

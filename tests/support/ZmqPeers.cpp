@@ -232,7 +232,7 @@ void TcpRelay::Run() {
             const int to = from == client ? server : client;
             char buffer[65536];
             const ssize_t got = ::read(from, buffer, sizeof buffer);
-            if (got <= 0 || ::write(to, buffer, static_cast<std::size_t>(got)) != got) {
+            if (got <= 0 || ::send(to, buffer, static_cast<std::size_t>(got), MSG_NOSIGNAL) != got) {
                 broken[(i - 2) / 2] = true;
             }
         }

@@ -122,6 +122,9 @@ public:
 
     int Port() const { return port; }
     void Unplug() { unplugged.store(true); }
+    /// Forwards again: connections made while unplugged fail on their first read and are closed,
+    /// so that the client connects anew, as after a cable is plugged back in.
+    void Replug() { unplugged.store(false); }
 
 private:
     void Run();

@@ -99,6 +99,7 @@
 #include <Korvo/Plexis/Tessel/Client/ChannelsCommandParamsPayloadBuilder.h>
 #include <Korvo/Plexis/Tessel/Client/CommandClient.h>
 #include <Korvo/Plexis/Tessel/Client/Connection.h>
+#include <Korvo/Plexis/Tessel/Client/Mirror.h>
 #include <Korvo/Plexis/Tessel/Client/CommandParamsPayloadBuilder.h>
 #include <Korvo/Plexis/Tessel/Client/CommandReplyBuilder.h>
 #include <Korvo/Plexis/Tessel/Client/CommandTypes.h>

@@ -19,6 +19,11 @@ struct Faults {
     double malformedFraction = 0;  ///< commands whose final reply carries undecodable bytes
     double duplicateFraction = 0;  ///< commands whose final reply is sent twice
     bool silent = false;           ///< commands are read and ignored: the server stops answering
+    /// Notifications never published, as a publisher dropping for a slow subscriber would.
+    double notificationDropFraction = 0;
+    /// Notifications held back by `notificationDelay` and published after later ones.
+    double notificationDelayFraction = 0;
+    std::chrono::milliseconds notificationDelay{0};
 };
 
 /// The largest count of servers, of channels in all, or of seeded items the options accept.
@@ -83,6 +88,9 @@ struct Statistics {
     std::uint64_t restarts = 0;
     std::uint64_t repliesShed = 0;           ///< replies dropped at a memory bound
     std::uint64_t subscriptionsIgnored = 0;  ///< topics beyond `subscriptionBytes`, not kept
+    std::uint64_t notificationsDropped = 0;  ///< withheld by `notificationDropFraction`
+    std::uint64_t notificationsDelayed = 0;  ///< held back by `notificationDelayFraction`
+    std::uint64_t unannouncedChanges = 0;    ///< made by the `...Unannounced` calls
 };
 
 /// A replay-server simulator speaking the client's protocol: a ROUTER socket answers the 30
@@ -133,6 +141,14 @@ public:
     /// unknown server.
     bool DropOffNetwork(int serverId);
     bool ReturnToNetwork(int serverId);
+
+    /// Changes a channel as an operator at the server's own panel would, publishing nothing: an
+    /// idle player loads the first clip (cued), any other player goes idle; a recorder starts or
+    /// stops recording. `channel` is a channel's text ("player:1:0"). False for an unknown one.
+    bool ChangeChannelUnannounced(const std::string& channel);
+    /// Renames a clip (by its material identifier) the same way, publishing nothing. False for an
+    /// unknown clip.
+    bool ChangeClipUnannounced(const std::string& umId, const std::string& name);
 
     /// Adds a server with the configured channels, publishing "ServerAdded"; returns its number.
     int AddServer();
