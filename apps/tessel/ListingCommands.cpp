@@ -107,7 +107,7 @@ void AddListingCommands(CLI::App& app, Context& context) {
         SignalGuard guard;
         const auto params = NewParams<Commands::PingCommandParams>();
         Session& session = context.GetSession();
-        session.Connect("PingCommand", params);  // so that the time is the round trip only
+        session.Connected();  // so that the time is the round trip only
         const auto start = std::chrono::steady_clock::now();
         auto output = context.Output();
         output.readable = [&context, start](std::ostream& out) {

@@ -462,7 +462,7 @@ TEST_F(TesselTest, EveryCommandIsRoutedToTheServer) {
         }
         const auto params = Plexis::Tessel::Json::CommandParamsFromJson(
             name, Plexis::Tessel::Json::CommandParamsToJson(given));
-        families.insert(Plexis::Tessel::Cli::FamilyOf(name).name);
+        families.insert(Plexis::Tessel::Cli::FamilyOf(name));
         const auto replies = session.Call(name, *params);
         ASSERT_FALSE(replies.empty());
         EXPECT_NE(Plexis::Tessel::Json::ReplyTypeNameOf(*replies.back()), "UnknownCommand");
