@@ -182,6 +182,7 @@ int Main(int argc, const char* const* argv, std::istream& in, std::ostream& out,
     AddCallCommand(app, context);
     AddListingCommands(app, context);
     AddPlayerCommands(app, context);
+    AddChannelCommands(app, context);
     AddRecorderCommands(app, context);
     AddMultiviewerCommands(app, context);
     AddWatchCommands(app, context);
