@@ -201,7 +201,7 @@ void AddChannelCommands(CLI::App& app, Context& context) {
     });
 
     auto* chain = Subcommand(
-        app, "chain", "Chain a clip after what players have loaded (by name, umId prefix or umId)",
+        app, "chain", "Chain a clip (by name, umId prefix or umId) after what players have loaded",
         {"tessel chain 1:0 \"Clip 00007\"", "tessel chain 1:0 1:1 0a2d --at 4500000",
          "tessel chain 1:0 0a2d --in fields:25 --out fields:250"});
     chain->add_option("players", options->chainArguments,
@@ -230,15 +230,16 @@ void AddChannelCommands(CLI::App& app, Context& context) {
     });
 
     auto* dial = Subcommand(
-        app, "dial",
-        "Jog players at a velocity; with - read velocities from standard input, one a line, each "
-        "replacing the one before when the server has not taken it yet",
+        app, "dial", "Jog players at a velocity, or at each velocity read from standard input",
         {"tessel dial 1:0 --velocity 50", "tessel dial 1:0 1:1 --velocity=-25",
          "jog-wheel | tessel dial 1:0 --velocity -"});
     dial->add_option("players", options->dialPlayers, "Players")->required();
     dial->add_option("--velocity", options->dialVelocities,
                      "Velocity (the simulator counts hundredths of normal speed, negative "
-                     "backwards); several are sent in turn; - reads them from standard input")
+                     "backwards); several are sent in turn; - reads them from standard input, "
+                     "one a line. Each goes through the latest-value lane: a newer velocity "
+                     "replaces one the server has not been sent yet, and the last one's reply "
+                     "is shown")
         ->required()
         ->allow_extra_args(false);
     On(dial, context, [&context, options] {

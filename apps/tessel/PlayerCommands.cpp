@@ -112,12 +112,13 @@ void AddPlayerCommands(CLI::App& app, Context& context) {
 
     auto* load = Subcommand(
         app, "load",
-        "Load a clip or a playlist on players, cued at its in point (or --at); the material by "
-        "name, umId prefix or umId",
+        "Load a clip or playlist (by name, umId prefix or umId) on players",
         {"tessel load 1:0 \"Clip 00012\"", "tessel load 1:0 1:1 3fa4 --at 4500000",
          "tessel load 2:0 \"Playlist 1\" --on-air", "tessel load 1:0 <umId> --playlist"});
     load->add_option("players", options->loadArguments,
-                     "PLAYER... MATERIAL: the players, then the clip or playlist")
+                     "PLAYER... MATERIAL: the players, then the clip or playlist: its name (any "
+                     "case), the first digits of its umId, or its umId; a text that matches "
+                     "several is refused (exit 2) with the list")
         ->required()
         ->expected(2, -1);
     load->add_option("--at", options->loadAt,
