@@ -570,10 +570,11 @@ TEST_F(TesselTest, ChannelSubcommandsTakeNamesAndSeveralPlayers) {
     EXPECT_EQ(PlayerState("player:2:3").at("playMode"), 3);            // live
     EXPECT_EQ(PlayerState("player:1:2").at("playMode"), 4);            // dialing
 
-    // Velocities streamed on standard input: whichever were replaced, the last one stands.
-    const auto dialed = Tessel({"dial", "1:1", "--velocity", "-"}, "10\n20\n\n30\n");
+    // Velocities streamed on standard input: whichever were replaced, the last one stands. The
+    // player has a whole clip loaded, minutes at that speed, so it is still dialing when read.
+    const auto dialed = Tessel({"dial", "1:3", "--velocity", "-"}, "10\n20\n\n30\n");
     EXPECT_EQ(dialed.exitCode, 0) << dialed.err;
-    const auto state = PlayerState("player:1:1");
+    const auto state = PlayerState("player:1:3");
     EXPECT_EQ(state.at("infoOnAir").at("speedNumerator"), 30);
     EXPECT_EQ(state.at("infoOnAir").at("speedDenominator"), 100);
 }
