@@ -25,7 +25,7 @@ public:
 
     struct Item {
         Kind kind;
-        std::uint64_t id;  // the call, for kDone and kPart
+        std::uint64_t id;  // the call (kDone, kPart); the source of a mirror's change
         int code;          // the outcome (kDone), the state (kState)
         std::string text;  // reply or notification JSON, the state's name
         std::string note;  // the reason (kDone), the family (kNotification)
@@ -39,8 +39,8 @@ public:
     void Post(Item item);
 
     /// Any library thread. Dropped and counted when the waiting notifications already hold
-    /// `notificationBytes`.
-    void PostNotification(std::string family, std::string json);
+    /// `notificationBytes`. `id` travels with it (a mirror's source).
+    void PostNotification(std::string family, std::string json, std::uint64_t id = 0);
 
     /// The loop's thread, with the GIL: everything queued, as a list of
     /// (kind, id, code, text, note) tuples, in the order it was posted.

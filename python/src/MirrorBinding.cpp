@@ -1,0 +1,352 @@
+// `_tessel.Mirror` and `_tessel.MirrorSnapshot`: a `Client::Mirror` whose changes reach the event
+// loop through a `Bridge`, and its snapshots read a part at a time. Values cross as the JSON form
+// of the library (the same text replies and notifications use), written on the mirror's thread
+// for changes and on the caller's thread, with the GIL released, for snapshots. The mirror's
+// watcher only writes text and posts it: it never touches a Python object.
+
+#include "Bindings.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <cstdint>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <tuple>
+#include <utility>
+#include <variant>
+#include <vector>
+
+#include <pybind11/stl.h>
+
+#include <Korvo/Plexis/Tessel/Client/Mirror.h>
+
+#include "Bridge.h"
+#include "json/JsonCodec.h"
+
+namespace Korvo::Python {
+namespace {
+
+namespace py = pybind11;
+namespace Client = Plexis::Tessel::Client;
+namespace Json = Plexis::Tessel::Json::Detail;
+namespace Channels = Plexis::Data::Channels;
+
+using JsonValue = Json::Value;
+
+std::chrono::milliseconds Period(double seconds, const char* what) {
+    if (!(seconds > 0) || seconds > 24 * 3600.0) {
+        throw std::invalid_argument(std::string(what) + " is between 0 and 24 hours");
+    }
+    return std::chrono::milliseconds(std::max<std::int64_t>(1, std::llround(seconds * 1000)));
+}
+
+double Seconds(std::chrono::system_clock::time_point at) {
+    return std::chrono::duration<double>(at.time_since_epoch()).count();
+}
+
+template <class T>
+JsonValue Write(const T& value) {
+    JsonValue json;
+    Json::Codec<T>::Write(value, json);
+    return json;
+}
+
+JsonValue Write(const Client::MirroredRecorder& recorder) {
+    JsonValue json = JsonValue::object();
+    json["state"] = Write(recorder.state);
+    json["ranges"] = Write(recorder.ranges);
+    json["isLoopRecording"] = recorder.isLoopRecording;
+    return json;
+}
+
+JsonValue Write(const Client::MirroredServer& server) {
+    JsonValue json = JsonValue::object();
+    json["info"] = Write(server.info);
+    json["state"] = Client::ToString(server.state);
+    json["confirmedAt"] = Seconds(server.confirmedAt);
+    return json;
+}
+
+template <class T>
+JsonValue WritePointer(const std::shared_ptr<const T>& value) {
+    return value ? Write(*value) : JsonValue();
+}
+
+std::string KeyText(int key) { return std::to_string(key); }
+std::string KeyText(const Channels::Guid& key) { return key.ToString(); }
+std::string KeyText(const std::string& key) { return key; }
+
+template <class Map>
+std::string WriteMap(const Map& map) {
+    JsonValue json = JsonValue::object();
+    for (const auto& [key, value] : map) {
+        if constexpr (std::is_same_v<typename Map::mapped_type, Client::MirroredServer>) {
+            json[KeyText(key)] = Write(value);
+        } else {
+            json[KeyText(key)] = WritePointer(value);
+        }
+    }
+    return Json::Dump(json, -1);
+}
+
+// The kind of a change, its source and its JSON ({"key", "change", "before", "after"} or, for a
+// sync state, {"serverId", "before", "after"}).
+struct EventText {
+    const char* kind;
+    std::size_t source;
+    std::string json;
+};
+
+const char* ChangeName(Client::Change change) {
+    switch (change) {
+        case Client::Change::Added: return "Added";
+        case Client::Change::Updated: return "Updated";
+        case Client::Change::Removed: return "Removed";
+    }
+    return "Updated";
+}
+
+template <class Key, class Item>
+std::string WriteChange(const Client::ItemChanged<Key, Item>& event) {
+    JsonValue json = JsonValue::object();
+    if constexpr (std::is_same_v<Key, int>) {
+        json["key"] = event.key;
+    } else {
+        json["key"] = KeyText(event.key);
+    }
+    json["change"] = ChangeName(event.change);
+    json["before"] = WritePointer(event.before);
+    json["after"] = WritePointer(event.after);
+    return Json::Dump(json, -1);
+}
+
+EventText Describe(const Client::MirrorEvent& event) {
+    struct Visitor {
+        EventText operator()(const Client::SyncStateChanged& e) const {
+            JsonValue json = JsonValue::object();
+            json["serverId"] = e.serverId;
+            json["before"] = Client::ToString(e.before);
+            json["after"] = Client::ToString(e.after);
+            return {"SyncStateChanged", e.source, Json::Dump(json, -1)};
+        }
+        EventText operator()(const Client::ServerChanged& e) const {
+            return {"ServerChanged", e.source, WriteChange(e)};
+        }
+        EventText operator()(const Client::PlayerChanged& e) const {
+            return {"PlayerChanged", e.source, WriteChange(e)};
+        }
+        EventText operator()(const Client::RecorderChanged& e) const {
+            return {"RecorderChanged", e.source, WriteChange(e)};
+        }
+        EventText operator()(const Client::ClipChanged& e) const {
+            return {"ClipChanged", e.source, WriteChange(e)};
+        }
+        EventText operator()(const Client::PlaylistChanged& e) const {
+            return {"PlaylistChanged", e.source, WriteChange(e)};
+        }
+        EventText operator()(const Client::AnglesGroupChanged& e) const {
+            return {"AnglesGroupChanged", e.source, WriteChange(e)};
+        }
+        EventText operator()(const Client::TrainChanged& e) const {
+            return {"TrainChanged", e.source, WriteChange(e)};
+        }
+    };
+    return std::visit(Visitor{}, event);
+}
+
+// What `function` returns, run with the GIL released.
+template <class Function>
+auto Release(Function&& function) {
+    py::gil_scoped_release release;
+    return function();
+}
+
+// One source of a snapshot. Each part is written when asked for, so that a caller who only
+// looks at the players does not pay for the catalogue.
+class PySourceSnapshot {
+public:
+    explicit PySourceSnapshot(Client::SourceSnapshot source) : source(std::move(source)) {}
+
+    std::string Name() const { return source.Name(); }
+    std::string CatalogueState() const { return Client::ToString(source.CatalogueState()); }
+    double CatalogueConfirmedAt() const { return Seconds(source.CatalogueConfirmedAt()); }
+
+    std::string Servers() const { return Release([&] { return WriteMap(source.Servers()); }); }
+    std::string Players() const { return Release([&] { return WriteMap(source.Players()); }); }
+    std::string Recorders() const { return Release([&] { return WriteMap(source.Recorders()); }); }
+    std::string Playlists() const { return Release([&] { return WriteMap(source.Playlists()); }); }
+    std::string AnglesGroups() const {
+        return Release([&] { return WriteMap(source.AnglesGroups()); });
+    }
+    std::string Trains() const { return Release([&] { return WriteMap(source.Trains()); }); }
+
+    // The clip's JSON, or an empty text when the mirror has none of that identifier.
+    std::string Clip(const std::string& umId) const {
+        return Release([&] {
+            const auto clip = source.FindClip(umId);
+            return clip ? Json::Dump(Write(*clip), -1) : std::string();
+        });
+    }
+    std::size_t ClipCount() const { return source.ClipCount(); }
+    std::vector<std::string> ClipIds() const {
+        return Release([&] {
+            std::vector<std::string> ids;
+            ids.reserve(source.ClipCount());
+            source.ForEachClip([&](const auto& clip) { ids.push_back(clip->umId); });
+            return ids;
+        });
+    }
+
+private:
+    Client::SourceSnapshot source;
+};
+
+class PyMirror {
+public:
+    // `sources`: (name, commands, notifications, server key, time limit) per endpoint pair.
+    using Source =
+        std::tuple<std::string, std::string, std::vector<std::string>, std::string, double>;
+
+    PyMirror(const std::vector<Source>& sources, double channelCheck, double catalogueCheck,
+             std::size_t heldBytes, double listingTimeLimit, std::size_t eventBytes,
+             const py::object& wake)
+        : bridge(std::make_shared<Bridge>(wake.ptr(), eventBytes)), sources(sources.size()) {
+        try {
+            Client::MirrorOptions options;
+            for (const auto& [name, commands, notifications, key, limit] : sources) {
+                Client::ConnectionOptions connection;
+                connection.name = name;
+                connection.commandEndPoint = commands;
+                connection.notificationEndPoints = notifications;
+                connection.serverPublicKey = key;
+                connection.timeLimit = Period(limit, "a time limit");
+                options.sources.push_back(std::move(connection));
+            }
+            options.channelCheckPeriod = Period(channelCheck, "the channel check period");
+            options.catalogueCheckPeriod = Period(catalogueCheck, "the catalogue check period");
+            options.heldNotificationBytes = heldBytes;
+            options.listingTimeLimit = Period(listingTimeLimit, "the listing time limit");
+            py::gil_scoped_release release;
+            mirror = std::make_unique<Client::Mirror>(std::move(options));
+            // Changes before this watcher was added are in the first snapshot the caller takes.
+            mirror->Watch([bridge = bridge](const Client::MirrorEvent& event) {
+                EventText text = Describe(event);
+                bridge->PostNotification(text.kind, std::move(text.json), text.source);
+            });
+        } catch (...) {
+            Close();
+            bridge->ReleaseWake();
+            throw;
+        }
+    }
+
+    ~PyMirror() { Close(); }
+
+    PyMirror(const PyMirror&) = delete;
+    PyMirror& operator=(const PyMirror&) = delete;
+
+    std::vector<PySourceSnapshot> Snapshot() const {
+        const Client::Mirror& live = Live();
+        Client::MirrorSnapshot snapshot;
+        {
+            py::gil_scoped_release release;
+            snapshot = live.Snapshot();
+        }
+        std::vector<PySourceSnapshot> sources;
+        for (const auto& source : snapshot.Sources()) {
+            sources.emplace_back(source);
+        }
+        return sources;
+    }
+
+    py::dict Statistics() const {
+        const Client::MirrorStatistics statistics = Live().Statistics();
+        py::dict out;
+        out["notifications_applied"] = statistics.notificationsApplied;
+        out["notifications_dropped"] = statistics.notificationsDropped;
+        out["resyncs"] = statistics.resyncs;
+        out["verifications"] = statistics.verifications;
+        std::uint64_t differences = 0;
+        for (const auto count : statistics.differences) {
+            differences += count;
+        }
+        out["differences"] = differences;
+        return out;
+    }
+
+    void Resync(std::size_t source) {
+        Client::Mirror& live = Live();
+        if (source >= sources) {
+            throw std::out_of_range("no source " + std::to_string(source));
+        }
+        py::gil_scoped_release release;
+        live.Resync(source);
+    }
+
+    py::list Take() { return bridge->Take(); }
+    std::uint64_t Dropped() const { return bridge->Dropped(); }
+
+    // Stops the mirror's thread and closes its connections with the GIL released: the thread's
+    // last wake-up may need it.
+    void Close() {
+        if (!mirror) {
+            return;
+        }
+        bridge->Close();
+        auto closing = std::move(mirror);
+        {
+            py::gil_scoped_release release;
+            closing.reset();
+        }
+        bridge->ReleaseWake();
+    }
+
+    bool Closed() const { return !mirror; }
+
+private:
+    Client::Mirror& Live() const {
+        if (!mirror) {
+            throw std::runtime_error("the mirror is closed");
+        }
+        return *mirror;
+    }
+
+    std::shared_ptr<Bridge> bridge;
+    std::unique_ptr<Client::Mirror> mirror;
+    const std::size_t sources;
+};
+
+}  // namespace
+
+void BindMirror(py::module_& module) {
+    py::class_<PySourceSnapshot>(module, "SourceSnapshot")
+        .def_property_readonly("name", &PySourceSnapshot::Name)
+        .def_property_readonly("catalogue_state", &PySourceSnapshot::CatalogueState)
+        .def_property_readonly("catalogue_confirmed_at", &PySourceSnapshot::CatalogueConfirmedAt)
+        .def("servers", &PySourceSnapshot::Servers)
+        .def("players", &PySourceSnapshot::Players)
+        .def("recorders", &PySourceSnapshot::Recorders)
+        .def("playlists", &PySourceSnapshot::Playlists)
+        .def("angles_groups", &PySourceSnapshot::AnglesGroups)
+        .def("trains", &PySourceSnapshot::Trains)
+        .def("clip", &PySourceSnapshot::Clip)
+        .def("clip_count", &PySourceSnapshot::ClipCount)
+        .def("clip_ids", &PySourceSnapshot::ClipIds);
+    py::class_<PyMirror>(module, "Mirror")
+        .def(py::init<const std::vector<PyMirror::Source>&, double, double, std::size_t, double,
+                      std::size_t, const py::object&>(),
+             py::arg("sources"), py::arg("channel_check"), py::arg("catalogue_check"),
+             py::arg("held_bytes"), py::arg("listing_time_limit"), py::arg("event_bytes"),
+             py::arg("wake"))
+        .def("snapshot", &PyMirror::Snapshot)
+        .def("statistics", &PyMirror::Statistics)
+        .def("resync", &PyMirror::Resync)
+        .def("take", &PyMirror::Take)
+        .def("dropped", &PyMirror::Dropped)
+        .def("close", &PyMirror::Close)
+        .def_property_readonly("closed", &PyMirror::Closed);
+}
+
+}  // namespace Korvo::Python

@@ -1,0 +1,348 @@
+"""The mirror: a live, self-healing copy of the servers, channels and catalogue behind one or
+more endpoint pairs, read as snapshots and followed as change events.
+
+The native mirror runs its own thread and connections. Its changes are written as text there and
+handed to the event loop through the same queue as a connection's notifications; `_drain` turns
+them into events on the loop's thread. Snapshots are read on the caller's thread, a part at a
+time, with the GIL released while the native side writes them."""
+
+from __future__ import annotations
+
+import asyncio
+import datetime
+import functools
+import json
+import types
+import weakref
+from typing import Any, Dict, Iterable, Iterator, List, Mapping, Optional, Sequence, Tuple, Union
+
+from . import _tessel
+from ._client import NotificationStream
+from ._records import Record, from_json_value
+from ._schema import FROM_JSON
+
+SYNC_STATES = ("Syncing", "Live", "Stale", "Lost")
+EVENT_KINDS = ("SyncStateChanged", "ServerChanged", "PlayerChanged", "RecorderChanged",
+               "ClipChanged", "PlaylistChanged", "AnglesGroupChanged", "TrainChanged")
+_NOTIFICATION = 2
+
+# What each kind of change carries as its before and after values.
+_VALUE_CLASSES = {"ServerChanged": "ServerInfo", "PlayerChanged": "PlayerState",
+                  "RecorderChanged": "MirroredRecorder", "ClipChanged": "Clip",
+                  "PlaylistChanged": "Playlist", "AnglesGroupChanged": "AnglesGroup",
+                  "TrainChanged": "Train"}
+
+
+def _time(seconds: float) -> Optional[datetime.datetime]:
+    """A confirmation time; None for the epoch (never confirmed)."""
+    if seconds <= 0:
+        return None
+    return datetime.datetime.fromtimestamp(seconds, datetime.timezone.utc)
+
+
+def _value(type_name: str, value: Any) -> Optional[Record]:
+    """A value of the library's JSON form as a Record named by its class."""
+    if value is None:
+        return None
+    if type_name == "MirroredRecorder":
+        return Record(type_name, {"state": _value("RecorderState", value["state"]),
+                                  "ranges": from_json_value(value["ranges"]),
+                                  "is_loop_recording": value["isLoopRecording"]})
+    if type_name == "MirroredServer":
+        return Record(type_name, {"info": _value("ServerInfo", value["info"]),
+                                  "state": value["state"],
+                                  "confirmed_at": _time(value["confirmedAt"])})
+    return Record(type_name, {FROM_JSON.get(key, key): from_json_value(item)
+                              for key, item in value.items()})
+
+
+def _table(type_name: str, text: str, key: Any = str) -> Mapping[Any, Record]:
+    values = {key(name): _value(type_name, item) for name, item in json.loads(text).items()}
+    return types.MappingProxyType(values)  # type: ignore[arg-type]
+
+
+class MirrorEvent(Record):
+    """One change: `type_name` is its kind ("PlayerChanged", "SyncStateChanged", ...), `source`
+    the index of its endpoint pair. Item changes have `key` (a server number, a channel such as
+    "player:1:0", a clip's or a playlist's identifier), `change` ("Added", "Updated",
+    "Removed") and `before`/`after` (None when added or removed); a sync state change has
+    `server_id` (0 for the catalogue) and `before`/`after` as state names."""
+
+    __slots__ = ()
+
+    @property
+    def family(self) -> str:
+        return "Mirror"
+
+
+def _event(kind: str, source: int, text: str) -> MirrorEvent:
+    value = json.loads(text)
+    if kind == "SyncStateChanged":
+        fields = {"source": source, "server_id": value["serverId"], "before": value["before"],
+                  "after": value["after"]}
+    else:
+        value_class = _VALUE_CLASSES[kind]
+        fields = {"source": source, "key": value["key"], "change": value["change"],
+                  "before": _value(value_class, value["before"]),
+                  "after": _value(value_class, value["after"])}
+    return MirrorEvent(kind, fields)
+
+
+class SourceSnapshot:
+    """One endpoint pair at one moment; read-only. Each table is read from the native snapshot
+    the first time it is asked for, and the same moment is kept however long this lives."""
+
+    def __init__(self, native: Any) -> None:
+        self._native = native
+        self.name: str = native.name
+        self.catalogue_state: str = native.catalogue_state
+        self.catalogue_confirmed_at = _time(native.catalogue_confirmed_at)
+
+    @functools.cached_property
+    def servers(self) -> Mapping[int, Record]:
+        """MirroredServer by server number: `info` (ServerInfo), `state` (its sync state) and
+        `confirmed_at` (when a listing last confirmed its channels; None when never)."""
+        return _table("MirroredServer", self._native.servers(), int)
+
+    @property
+    def sync_states(self) -> Dict[int, str]:
+        """The sync state of each server, by number."""
+        return {number: server.state for number, server in self.servers.items()}
+
+    @functools.cached_property
+    def players(self) -> Mapping[str, Record]:
+        """PlayerState by channel ("player:1:0")."""
+        return _table("PlayerState", self._native.players())
+
+    @functools.cached_property
+    def recorders(self) -> Mapping[str, Record]:
+        """MirroredRecorder by channel: `state` (RecorderState), `ranges` and
+        `is_loop_recording`."""
+        return _table("MirroredRecorder", self._native.recorders())
+
+    @functools.cached_property
+    def playlists(self) -> Mapping[str, Record]:
+        """Playlist by its sequence's material identifier."""
+        return _table("Playlist", self._native.playlists())
+
+    @functools.cached_property
+    def angles_groups(self) -> Mapping[str, Record]:
+        return _table("AnglesGroup", self._native.angles_groups())
+
+    @functools.cached_property
+    def trains(self) -> Mapping[str, Record]:
+        """Train by its clip's material identifier."""
+        return _table("Train", self._native.trains())
+
+    def clip(self, um_id: str) -> Optional[Record]:
+        """The clip of that material identifier, or None."""
+        text = self._native.clip(um_id)
+        return _value("Clip", json.loads(text)) if text else None
+
+    def clip_ids(self) -> List[str]:
+        """Every clip's material identifier, in no particular order."""
+        return list(self._native.clip_ids())
+
+    def clips(self) -> Iterator[Record]:
+        """Every clip, one at a time (a large catalogue is never held twice)."""
+        for um_id in self.clip_ids():
+            clip = self.clip(um_id)
+            if clip is not None:
+                yield clip
+
+    @property
+    def clip_count(self) -> int:
+        return int(self._native.clip_count())
+
+    def __repr__(self) -> str:
+        return (f"SourceSnapshot(name={self.name!r}, sync_states={self.sync_states!r}, "
+                f"catalogue_state={self.catalogue_state!r}, clips={self.clip_count})")
+
+
+class MirrorSnapshot(Sequence[SourceSnapshot]):
+    """Every source at one moment, in the order they were given; `snapshot[0]` is the first.
+    The attributes of a single-source mirror's one source are also readable here
+    (`snapshot.players`)."""
+
+    def __init__(self, sources: Iterable[SourceSnapshot]) -> None:
+        self._sources = tuple(sources)
+
+    def __getitem__(self, index: Any) -> Any:
+        return self._sources[index]
+
+    def __len__(self) -> int:
+        return len(self._sources)
+
+    def __getattr__(self, name: str) -> Any:
+        if name.startswith("_"):
+            raise AttributeError(name)
+        return getattr(self._sources[0], name)
+
+    def __repr__(self) -> str:
+        return f"MirrorSnapshot({list(self._sources)!r})"
+
+
+class MirrorEventStream(NotificationStream):
+    """An async iterator over a mirror's changes, in the order the mirror made them. Bounded
+    like a notification stream: when `maxsize` are unread the oldest is dropped and counted in
+    `dropped`."""
+
+    def _matches(self, event: Any) -> bool:
+        return not self._names or event.type_name in self._names
+
+
+class Mirror:
+    """A mirror of the servers behind one or more endpoint pairs. Made by `tessel.mirror()` or
+    `Server.mirror()`; use it as `async with` (or call `close()`). Every method must be called on
+    the thread of the event loop it was made in."""
+
+    def __init__(self, sources: Iterable[Union[str, Tuple[Any, ...], Mapping[str, Any]]], *,
+                 channel_check: float = 1.0, catalogue_check: float = 30.0,
+                 held_bytes: int = 4 << 20, listing_time_limit: float = 10.0,
+                 time_limit: float = 5.0, event_bytes: int = 8 << 20,
+                 event_queue: int = 10000) -> None:
+        self._loop = asyncio.get_running_loop()
+        self._streams: set[NotificationStream] = set()
+        self._waiters: List[asyncio.Future[None]] = []
+        self.event_queue = event_queue
+        native_sources = [_source(index, source, time_limit)
+                          for index, source in enumerate(sources)]
+        if not native_sources:
+            raise ValueError("a mirror needs at least one source")
+        ref = weakref.ref(self)
+
+        def drain() -> None:
+            mirror = ref()
+            if mirror is not None:
+                mirror._drain()
+
+        self._native = _tessel.Mirror(native_sources, channel_check, catalogue_check, held_bytes,
+                                      listing_time_limit, event_bytes,
+                                      functools.partial(self._loop.call_soon_threadsafe, drain))
+        self._finalizer = weakref.finalize(self, self._native.close)
+
+    def snapshot(self) -> MirrorSnapshot:
+        """What the mirror holds now, as one consistent, read-only view of every source."""
+        return MirrorSnapshot(SourceSnapshot(native) for native in self._native.snapshot())
+
+    def sync_states(self) -> Dict[Tuple[int, int], str]:
+        """The sync state of every server, by (source, server number), and of every source's
+        catalogue, by (source, 0)."""
+        states: Dict[Tuple[int, int], str] = {}
+        for index, source in enumerate(self.snapshot()):
+            states[(index, 0)] = source.catalogue_state
+            for number, state in source.sync_states.items():
+                states[(index, number)] = state
+        return states
+
+    async def wait_live(self, timeout: float = 10.0) -> bool:
+        """Waits until every server and every catalogue is live, at most `timeout` seconds;
+        whether they are."""
+        deadline = self._loop.time() + timeout
+        while True:
+            states = self.sync_states()
+            if len(states) > len(self) and all(s == "Live" for s in states.values()):
+                return True
+            remaining = deadline - self._loop.time()
+            if remaining <= 0 or self._native.closed:
+                return False
+            waiter = self._loop.create_future()
+            self._waiters.append(waiter)
+            try:
+                # Woken by the next change; looked at again now and then in case that change
+                # was dropped on its way to the loop.
+                await asyncio.wait_for(waiter, min(remaining, 0.5))
+            except asyncio.TimeoutError:
+                pass
+
+    def events(self, *kinds: str, maxsize: Optional[int] = None) -> MirrorEventStream:
+        """An async iterator over the changes of the given kinds ("PlayerChanged",
+        "SyncStateChanged", ...), all when none is given, from now on."""
+        unknown = set(kinds) - set(EVENT_KINDS)
+        if unknown:
+            raise ValueError(f"no mirror event kind {sorted(unknown)}")
+        stream = MirrorEventStream(self, frozenset(kinds),  # type: ignore[arg-type]
+                                   maxsize or self.event_queue)
+        self._streams.add(stream)
+        return stream
+
+    def statistics(self) -> Dict[str, int]:
+        """Counters since the mirror started: notifications applied and dropped, resyncs,
+        verifications and the differences they found."""
+        return dict(self._native.statistics())
+
+    @property
+    def dropped_events(self) -> int:
+        """Changes dropped before they reached the loop, because those waiting for it already
+        held `event_bytes`."""
+        return int(self._native.dropped())
+
+    def resync(self, source: int = 0) -> None:
+        """Lists the source again now."""
+        self._native.resync(source)
+
+    def __len__(self) -> int:
+        return len(self._native.snapshot())
+
+    def close(self) -> None:
+        """Stops the mirror's thread, closes its connections and ends every event stream."""
+        self._finalizer()
+        self._drain()
+        for stream in list(self._streams):
+            stream.close()
+        self._wake()
+
+    async def __aenter__(self) -> "Mirror":
+        return self
+
+    async def __aexit__(self, *exc: Any) -> None:
+        self.close()
+
+    def _wake(self) -> None:
+        waiters, self._waiters = self._waiters, []
+        for waiter in waiters:
+            if not waiter.done():
+                waiter.set_result(None)
+
+    def _drain(self) -> None:
+        for kind, source, _, text, name in self._native.take():
+            if kind != _NOTIFICATION:
+                continue
+            try:
+                event = _event(name, source, text)
+            except (ValueError, KeyError) as error:
+                self._loop.call_exception_handler({
+                    "message": "tessel: could not read a mirror change", "exception": error})
+                continue
+            for stream in list(self._streams):
+                if stream._matches(event):
+                    stream._put(event)  # type: ignore[arg-type]
+        self._wake()
+
+
+def _source(index: int, source: Union[str, Tuple[Any, ...], Mapping[str, Any]],
+            time_limit: float) -> Tuple[str, str, List[str], str, float]:
+    """(name, commands, notifications, server key, time limit) from a command endpoint, a tuple
+    (commands, notifications[, server_key]) or a mapping of `connect`'s arguments."""
+    if isinstance(source, str):
+        source = (source,)
+    if isinstance(source, Mapping):
+        options = dict(source)
+    else:
+        options = dict(zip(("commands", "notifications", "server_key"), source))
+    notifications = options.get("notifications") or ()
+    if isinstance(notifications, str):
+        notifications = [notifications]
+    return (options.get("name") or f"mirror-{index}", options["commands"], list(notifications),
+            options.get("server_key") or "", float(options.get("time_limit", time_limit)))
+
+
+def mirror(sources: Union[str, Tuple[Any, ...], Mapping[str, Any],
+                          Iterable[Union[str, Tuple[Any, ...], Mapping[str, Any]]]],
+           **options: Any) -> Mirror:
+    """A mirror over one source or a list of them. A source is a command endpoint, a tuple
+    (commands, notifications[, server_key]) or a mapping of `connect`'s arguments. Must be
+    called with an event loop running; see `Mirror` for the options."""
+    if isinstance(sources, (str, tuple, Mapping)):
+        sources = [sources]  # type: ignore[list-item]
+    return Mirror(sources, **options)  # type: ignore[arg-type]
