@@ -7,6 +7,7 @@
 #include "Bindings.h"
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <cmath>
 #include <cstdint>
@@ -231,7 +232,12 @@ public:
             py::gil_scoped_release release;
             mirror = std::make_unique<Client::Mirror>(std::move(options));
             // Changes before this watcher was added are in the first snapshot the caller takes.
-            mirror->Watch([bridge = bridge](const Client::MirrorEvent& event) {
+            mirror->Watch([bridge = bridge, listening = listening](const Client::MirrorEvent& event) {
+                // Nothing is written while nobody on the loop reads changes: a resync of a large
+                // catalogue would otherwise pay for text that is thrown away.
+                if (!listening->load(std::memory_order_relaxed)) {
+                    return;
+                }
                 EventText text = Describe(event);
                 bridge->PostNotification(text.kind, std::move(text.json), text.source);
             });
@@ -285,6 +291,9 @@ public:
         live.Resync(source);
     }
 
+    // Whether changes are written and handed to the loop at all.
+    void Listen(bool on) { listening->store(on, std::memory_order_relaxed); }
+
     py::list Take() { return bridge->Take(); }
     std::uint64_t Dropped() const { return bridge->Dropped(); }
 
@@ -314,6 +323,7 @@ private:
     }
 
     std::shared_ptr<Bridge> bridge;
+    std::shared_ptr<std::atomic<bool>> listening = std::make_shared<std::atomic<bool>>(false);
     std::unique_ptr<Client::Mirror> mirror;
     const std::size_t sources;
 };
@@ -343,6 +353,7 @@ void BindMirror(py::module_& module) {
         .def("snapshot", &PyMirror::Snapshot)
         .def("statistics", &PyMirror::Statistics)
         .def("resync", &PyMirror::Resync)
+        .def("listen", &PyMirror::Listen)
         .def("take", &PyMirror::Take)
         .def("dropped", &PyMirror::Dropped)
         .def("close", &PyMirror::Close)

@@ -190,6 +190,10 @@ class MirrorEventStream(NotificationStream):
     def _matches(self, event: Any) -> bool:
         return not self._names or event.type_name in self._names
 
+    def close(self) -> None:
+        super().close()
+        self._server._listen()  # type: ignore[attr-defined]
+
 
 class Mirror:
     """A mirror of the servers behind one or more endpoint pairs. Made by `tessel.mirror()` or
@@ -248,6 +252,7 @@ class Mirror:
                 return False
             waiter = self._loop.create_future()
             self._waiters.append(waiter)
+            self._listen()
             try:
                 # Woken by the next change; looked at again now and then in case that change
                 # was dropped on its way to the loop.
@@ -257,13 +262,15 @@ class Mirror:
 
     def events(self, *kinds: str, maxsize: Optional[int] = None) -> MirrorEventStream:
         """An async iterator over the changes of the given kinds ("PlayerChanged",
-        "SyncStateChanged", ...), all when none is given, from now on."""
+        "SyncStateChanged", ...), all when none is given, from now on. Changes are only handed
+        to the loop while a stream is open."""
         unknown = set(kinds) - set(EVENT_KINDS)
         if unknown:
             raise ValueError(f"no mirror event kind {sorted(unknown)}")
         stream = MirrorEventStream(self, frozenset(kinds),  # type: ignore[arg-type]
                                    maxsize or self.event_queue)
         self._streams.add(stream)
+        self._listen()
         return stream
 
     def statistics(self) -> Dict[str, int]:
@@ -303,6 +310,12 @@ class Mirror:
         for waiter in waiters:
             if not waiter.done():
                 waiter.set_result(None)
+        self._listen()
+
+    def _listen(self) -> None:
+        """Changes are written and handed over only while a stream or a waiter wants them."""
+        if not self._native.closed:
+            self._native.listen(bool(self._streams or self._waiters))
 
     def _drain(self) -> None:
         for kind, source, _, text, name in self._native.take():
