@@ -42,6 +42,14 @@ std::size_t SizeOf(const Args&) {
     return sizeof(Args) + 256;
 }
 
+// The argument class of a notification callback.
+template <class Callback>
+struct ArgumentOf;
+template <class Args>
+struct ArgumentOf<std::function<void(const Args&)>> {
+    using Type = Args;
+};
+
 bool IsBlank(const std::string& text) {
     return text.find_first_not_of(' ') == std::string::npos;
 }
@@ -262,7 +270,7 @@ void MirrorEngine::Attach(Source& source) {
     auto lock = notifications->LockHandlers();
     auto forward = [this, index](auto& handlers) {
         using Handlers = std::decay_t<decltype(handlers)>;
-        using Args = std::decay_t<typename Handlers::value_type::argument_type>;
+        using Args = typename ArgumentOf<typename Handlers::value_type>::Type;
         handlers.push_back([this, index](const Args& args) {
             if constexpr (std::is_base_of_v<Events::MassClipUpdateEventArgs, Args> ||
                           std::is_base_of_v<Events::MassClipDeletionEventArgs, Args>) {

@@ -399,6 +399,15 @@ const FaultCase kFaults[] = {
          f.noticeRelay->Replug();
      },
      true},
+    {"ServerOffNetworkAndBack",
+     [](MirrorFixture& f) {
+         ASSERT_TRUE(f.simulator->DropOffNetwork(1));
+         ASSERT_TRUE(Eventually([&] {
+             return f.mirror->Snapshot().Source(0).Servers().at(1).state == SyncState::Lost;
+         }));
+         f.simulator->ChangeChannelUnannounced("recorder:1:2");
+     },
+     [](MirrorFixture& f) { ASSERT_TRUE(f.simulator->ReturnToNetwork(1)); }, true},
     {"SubscriptionOverflow",
      [](MirrorFixture& f) {
          // Holding the notification thread fills the subscription's queue until it drops.
@@ -417,6 +426,24 @@ const FaultCase kFaults[] = {
 
 INSTANTIATE_TEST_SUITE_P(Faults, MirrorFaults, ::testing::ValuesIn(kFaults),
                          [](const auto& info) { return std::string(info.param.name); });
+
+// Snapshots share what did not change; what they hold never changes under a reader.
+TEST_F(MirrorFixture, ASnapshotStaysAsTakenWhileTheMirrorChanges) {
+    const auto taken = mirror->Snapshot();
+    std::map<std::string, std::string> names;
+    taken.Source(0).ForEachClip([&](const auto& clip) { names[clip->umId] = clip->name.data; });
+    const auto players = taken.Source(0).Players();
+    Stir(0);
+    Stir(1);
+    ASSERT_TRUE(Converged()) << lastDifference;
+    std::size_t renamed = 0;
+    mirror->Snapshot().Source(0).ForEachClip(
+        [&](const auto& clip) { renamed += names.at(clip->umId) != clip->name.data ? 1 : 0; });
+    EXPECT_EQ(renamed, 2u);
+    taken.Source(0).ForEachClip(
+        [&](const auto& clip) { EXPECT_EQ(names.at(clip->umId), clip->name.data); });
+    EXPECT_EQ(taken.Source(0).Players(), players);
+}
 
 // What a command whose outcome was lost did, told from the resynced state; nothing is sent.
 TEST_F(MirrorFixture, SettlesCommandsFromTheResyncedState) {
