@@ -1,8 +1,8 @@
-// `_tessel.Mirror` and `_tessel.MirrorSnapshot`: a `Client::Mirror` whose changes reach the event
+// `_tessel.Mirror` and `_tessel.SourceSnapshot`: a `Client::Mirror` whose changes reach the event
 // loop through a `Bridge`, and its snapshots read a part at a time. Values cross as the JSON form
-// of the library (the same text replies and notifications use), written on the mirror's thread
-// for changes and on the caller's thread, with the GIL released, for snapshots. The mirror's
-// watcher only writes text and posts it: it never touches a Python object.
+// of replies, written on the mirror's thread for changes and on the caller's thread, with the
+// GIL released, for snapshots. The mirror's watcher only writes text and posts it: it never
+// touches a Python object.
 
 #include "Bindings.h"
 
@@ -22,19 +22,24 @@
 #include <pybind11/stl.h>
 
 #include <Korvo/Plexis/Tessel/Client/Mirror.h>
+#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/GetAnglesGroupsCommandReply.h>
+#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/GetChannelsCommandReply.h>
+#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/GetClipsCommandReply.h>
+#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/GetPlaylistsCommandReply.h>
+#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/GetServersCommandReply.h>
+#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/GetTrainsCommandReply.h>
+#include <Korvo/Plexis/Tessel/Json/CommandReplyJson.h>
 
 #include "Bridge.h"
-#include "json/JsonCodec.h"
 
 namespace Korvo::Python {
 namespace {
 
 namespace py = pybind11;
 namespace Client = Plexis::Tessel::Client;
-namespace Json = Plexis::Tessel::Json::Detail;
+namespace Commands = Plexis::Tessel::HighLevelOperations::Commands;
 namespace Channels = Plexis::Data::Channels;
-
-using JsonValue = Json::Value;
+namespace Clips = Plexis::Data::Clips;
 
 std::chrono::milliseconds Period(double seconds, const char* what) {
     if (!(seconds > 0) || seconds > 24 * 3600.0) {
@@ -47,114 +52,128 @@ double Seconds(std::chrono::system_clock::time_point at) {
     return std::chrono::duration<double>(at.time_since_epoch()).count();
 }
 
-template <class T>
-JsonValue Write(const T& value) {
-    JsonValue json;
-    Json::Codec<T>::Write(value, json);
-    return json;
+// Values cross in the JSON form of the listing reply that carries their kind (a player state in
+// a GetChannelsCommandReply, a clip in a GetClipsCommandReply, ...); the Python side takes them
+// out again. A compact JSON text holds no line break, so several are joined with "\n".
+std::string Text(const Commands::CommandReply& reply) {
+    return Plexis::Tessel::Json::CommandReplyToJson(reply);
 }
 
-JsonValue Write(const Client::MirroredRecorder& recorder) {
-    JsonValue json = JsonValue::object();
-    json["state"] = Write(recorder.state);
-    json["ranges"] = Write(recorder.ranges);
-    json["isLoopRecording"] = recorder.isLoopRecording;
-    return json;
+std::string Carry(int, const Plexis::Data::Servers::ServerInfo& value) {
+    Commands::GetServersCommandReply reply;
+    reply.servers.push_back(value);
+    return Text(reply);
 }
-
-JsonValue Write(const Client::MirroredServer& server) {
-    JsonValue json = JsonValue::object();
-    json["info"] = Write(server.info);
-    json["state"] = Client::ToString(server.state);
-    json["confirmedAt"] = Seconds(server.confirmedAt);
-    return json;
+std::string Carry(const Channels::Guid& key, const Channels::PlayerState& value) {
+    Commands::GetChannelsCommandReply reply;
+    reply.playerStates.emplace(key, value);
+    return Text(reply);
 }
-
-template <class T>
-JsonValue WritePointer(const std::shared_ptr<const T>& value) {
-    return value ? Write(*value) : JsonValue();
+// Two lines: the state, then the ranges and loop flag as a train.
+std::string Carry(const Channels::Guid& key, const Client::MirroredRecorder& value) {
+    Commands::GetChannelsCommandReply states;
+    states.recorderStates.emplace(key, value.state);
+    Commands::GetTrainsCommandReply ranges;
+    Clips::Train train;
+    train.recordingRanges = value.ranges;
+    train.isLoopRecording = value.isLoopRecording;
+    ranges.trains.push_back(std::move(train));
+    return Text(states) + "\n" + Text(ranges);
+}
+std::string Carry(const std::string&, const Clips::Clip& value) {
+    Commands::GetClipsCommandReply reply;
+    reply.clips.push_back(value);
+    return Text(reply);
+}
+std::string Carry(const std::string&, const Plexis::Data::Sequences::Playlist& value) {
+    Commands::GetPlaylistsCommandReply reply;
+    reply.playlists.push_back(value);
+    return Text(reply);
+}
+std::string Carry(const std::string&, const Clips::Groups::AnglesGroup& value) {
+    Commands::GetAnglesGroupsCommandReply reply;
+    reply.anglesGroups.push_back(value);
+    return Text(reply);
+}
+std::string Carry(const std::string&, const Clips::Train& value) {
+    Commands::GetTrainsCommandReply reply;
+    reply.trains.push_back(value);
+    return Text(reply);
 }
 
 std::string KeyText(int key) { return std::to_string(key); }
 std::string KeyText(const Channels::Guid& key) { return key.ToString(); }
 std::string KeyText(const std::string& key) { return key; }
 
-template <class Map>
-std::string WriteMap(const Map& map) {
-    JsonValue json = JsonValue::object();
-    for (const auto& [key, value] : map) {
-        if constexpr (std::is_same_v<typename Map::mapped_type, Client::MirroredServer>) {
-            json[KeyText(key)] = Write(value);
-        } else {
-            json[KeyText(key)] = WritePointer(value);
-        }
+// A value, or empty lines (as many as its kind has) for none.
+template <class Key, class Item>
+std::string CarryOrNone(const Key& key, const std::shared_ptr<const Item>& value) {
+    if (value) {
+        return Carry(key, *value);
     }
-    return Json::Dump(json, -1);
+    return std::is_same_v<Item, Client::MirroredRecorder> ? "\n" : "";
 }
 
-// The kind of a change, its source and its JSON ({"key", "change", "before", "after"} or, for a
-// sync state, {"serverId", "before", "after"}).
+// A change as the bridge carries it: its kind, its source and the change as a code, and as text
+// the lines of `before`, those of `after`, then the key (last, as it is not JSON). A sync state
+// change is "serverId\nbefore\nafter".
 struct EventText {
     const char* kind;
     std::size_t source;
-    std::string json;
+    int change;
+    std::string text;
 };
 
-const char* ChangeName(Client::Change change) {
-    switch (change) {
-        case Client::Change::Added: return "Added";
-        case Client::Change::Updated: return "Updated";
-        case Client::Change::Removed: return "Removed";
-    }
-    return "Updated";
-}
-
 template <class Key, class Item>
-std::string WriteChange(const Client::ItemChanged<Key, Item>& event) {
-    JsonValue json = JsonValue::object();
-    if constexpr (std::is_same_v<Key, int>) {
-        json["key"] = event.key;
-    } else {
-        json["key"] = KeyText(event.key);
-    }
-    json["change"] = ChangeName(event.change);
-    json["before"] = WritePointer(event.before);
-    json["after"] = WritePointer(event.after);
-    return Json::Dump(json, -1);
+EventText Describe(const char* kind, const Client::ItemChanged<Key, Item>& event) {
+    return {kind, event.source, static_cast<int>(event.change),
+            CarryOrNone(event.key, event.before) + "\n" + CarryOrNone(event.key, event.after) +
+                "\n" + KeyText(event.key)};
 }
 
 EventText Describe(const Client::MirrorEvent& event) {
     struct Visitor {
         EventText operator()(const Client::SyncStateChanged& e) const {
-            JsonValue json = JsonValue::object();
-            json["serverId"] = e.serverId;
-            json["before"] = Client::ToString(e.before);
-            json["after"] = Client::ToString(e.after);
-            return {"SyncStateChanged", e.source, Json::Dump(json, -1)};
+            return {"SyncStateChanged", e.source, 0,
+                    std::to_string(e.serverId) + "\n" + Client::ToString(e.before) + "\n" +
+                        Client::ToString(e.after)};
         }
         EventText operator()(const Client::ServerChanged& e) const {
-            return {"ServerChanged", e.source, WriteChange(e)};
+            return Describe("ServerChanged", e);
         }
         EventText operator()(const Client::PlayerChanged& e) const {
-            return {"PlayerChanged", e.source, WriteChange(e)};
+            return Describe("PlayerChanged", e);
         }
         EventText operator()(const Client::RecorderChanged& e) const {
-            return {"RecorderChanged", e.source, WriteChange(e)};
+            return Describe("RecorderChanged", e);
         }
         EventText operator()(const Client::ClipChanged& e) const {
-            return {"ClipChanged", e.source, WriteChange(e)};
+            return Describe("ClipChanged", e);
         }
         EventText operator()(const Client::PlaylistChanged& e) const {
-            return {"PlaylistChanged", e.source, WriteChange(e)};
+            return Describe("PlaylistChanged", e);
         }
         EventText operator()(const Client::AnglesGroupChanged& e) const {
-            return {"AnglesGroupChanged", e.source, WriteChange(e)};
+            return Describe("AnglesGroupChanged", e);
         }
         EventText operator()(const Client::TrainChanged& e) const {
-            return {"TrainChanged", e.source, WriteChange(e)};
+            return Describe("TrainChanged", e);
         }
     };
     return std::visit(Visitor{}, event);
+}
+
+// Every entry of a table as (key, carried value).
+template <class Map>
+std::vector<std::pair<std::string, std::string>> CarryAll(const Map& map) {
+    std::vector<std::pair<std::string, std::string>> out;
+    out.reserve(map.size());
+    for (const auto& [key, value] : map) {
+        if (value) {
+            out.emplace_back(KeyText(key), Carry(key, *value));
+        }
+    }
+    return out;
 }
 
 // What `function` returns, run with the GIL released.
@@ -163,6 +182,8 @@ auto Release(Function&& function) {
     py::gil_scoped_release release;
     return function();
 }
+
+using Table = std::vector<std::pair<std::string, std::string>>;
 
 // One source of a snapshot. Each part is written when asked for, so that a caller who only
 // looks at the players does not pay for the catalogue.
@@ -174,20 +195,28 @@ public:
     std::string CatalogueState() const { return Client::ToString(source.CatalogueState()); }
     double CatalogueConfirmedAt() const { return Seconds(source.CatalogueConfirmedAt()); }
 
-    std::string Servers() const { return Release([&] { return WriteMap(source.Servers()); }); }
-    std::string Players() const { return Release([&] { return WriteMap(source.Players()); }); }
-    std::string Recorders() const { return Release([&] { return WriteMap(source.Recorders()); }); }
-    std::string Playlists() const { return Release([&] { return WriteMap(source.Playlists()); }); }
-    std::string AnglesGroups() const {
-        return Release([&] { return WriteMap(source.AnglesGroups()); });
+    // (number, sync state, confirmed at, carried server information) per server.
+    std::vector<std::tuple<int, std::string, double, std::string>> Servers() const {
+        return Release([&] {
+            std::vector<std::tuple<int, std::string, double, std::string>> out;
+            for (const auto& [number, server] : source.Servers()) {
+                out.emplace_back(number, Client::ToString(server.state),
+                                 Seconds(server.confirmedAt), Carry(number, server.info));
+            }
+            return out;
+        });
     }
-    std::string Trains() const { return Release([&] { return WriteMap(source.Trains()); }); }
+    Table Players() const { return Release([&] { return CarryAll(source.Players()); }); }
+    Table Recorders() const { return Release([&] { return CarryAll(source.Recorders()); }); }
+    Table Playlists() const { return Release([&] { return CarryAll(source.Playlists()); }); }
+    Table AnglesGroups() const { return Release([&] { return CarryAll(source.AnglesGroups()); }); }
+    Table Trains() const { return Release([&] { return CarryAll(source.Trains()); }); }
 
-    // The clip's JSON, or an empty text when the mirror has none of that identifier.
+    // The carried clip, or an empty text when the mirror has none of that identifier.
     std::string Clip(const std::string& umId) const {
         return Release([&] {
             const auto clip = source.FindClip(umId);
-            return clip ? Json::Dump(Write(*clip), -1) : std::string();
+            return clip ? Carry(umId, *clip) : std::string();
         });
     }
     std::size_t ClipCount() const { return source.ClipCount(); }
@@ -239,7 +268,7 @@ public:
                     return;
                 }
                 EventText text = Describe(event);
-                bridge->PostNotification(text.kind, std::move(text.json), text.source);
+                bridge->PostNotification(text.kind, std::move(text.text), text.source, text.change);
             });
         } catch (...) {
             Close();

@@ -14,7 +14,8 @@ import functools
 import json
 import types
 import weakref
-from typing import Any, Dict, Iterable, Iterator, List, Mapping, Optional, Sequence, Tuple, Union
+from typing import (Any, Callable, Dict, Iterable, Iterator, List, Mapping, Optional, Sequence,
+                    Tuple, Union)
 
 from . import _tessel
 from ._client import NotificationStream
@@ -26,11 +27,7 @@ EVENT_KINDS = ("SyncStateChanged", "ServerChanged", "PlayerChanged", "RecorderCh
                "ClipChanged", "PlaylistChanged", "AnglesGroupChanged", "TrainChanged")
 _NOTIFICATION = 2
 
-# What each kind of change carries as its before and after values.
-_VALUE_CLASSES = {"ServerChanged": "ServerInfo", "PlayerChanged": "PlayerState",
-                  "RecorderChanged": "MirroredRecorder", "ClipChanged": "Clip",
-                  "PlaylistChanged": "Playlist", "AnglesGroupChanged": "AnglesGroup",
-                  "TrainChanged": "Train"}
+_CHANGES = ("Added", "Updated", "Removed")
 
 
 def _time(seconds: float) -> Optional[datetime.datetime]:
@@ -40,25 +37,50 @@ def _time(seconds: float) -> Optional[datetime.datetime]:
     return datetime.datetime.fromtimestamp(seconds, datetime.timezone.utc)
 
 
-def _value(type_name: str, value: Any) -> Optional[Record]:
+def _record(type_name: str, value: Dict[str, Any]) -> Record:
     """A value of the library's JSON form as a Record named by its class."""
-    if value is None:
-        return None
-    if type_name == "MirroredRecorder":
-        return Record(type_name, {"state": _value("RecorderState", value["state"]),
-                                  "ranges": from_json_value(value["ranges"]),
-                                  "is_loop_recording": value["isLoopRecording"]})
-    if type_name == "MirroredServer":
-        return Record(type_name, {"info": _value("ServerInfo", value["info"]),
-                                  "state": value["state"],
-                                  "confirmed_at": _time(value["confirmedAt"])})
     return Record(type_name, {FROM_JSON.get(key, key): from_json_value(item)
                               for key, item in value.items()})
 
 
-def _table(type_name: str, text: str, key: Any = str) -> Mapping[Any, Record]:
-    values = {key(name): _value(type_name, item) for name, item in json.loads(text).items()}
-    return types.MappingProxyType(values)  # type: ignore[arg-type]
+def _only(mapping: Dict[str, Any]) -> Any:
+    return next(iter(mapping.values()))
+
+
+# Each value crosses inside the listing reply of its kind (one JSON text per line): how many lines
+# it takes and how to take it out again.
+def _recorder(lines: List[str]) -> Record:
+    state = _only(json.loads(lines[0])["recorderStates"])
+    train = json.loads(lines[1])["trains"][0]
+    return Record("MirroredRecorder", {
+        "state": _record("RecorderState", state),
+        "ranges": from_json_value(train.get("recordingRanges", [])),
+        "is_loop_recording": bool(train.get("isLoopRecording", False))})
+
+
+def _listed(field: str, type_name: str) -> Any:
+    return lambda lines: _record(type_name, json.loads(lines[0])[field][0])
+
+
+_CARRIED: Dict[str, Tuple[int, Callable[[List[str]], Record]]] = {
+    "ServerChanged": (1, _listed("servers", "ServerInfo")),
+    "PlayerChanged": (1, lambda lines: _record(
+        "PlayerState", _only(json.loads(lines[0])["playerStates"]))),
+    "RecorderChanged": (2, _recorder),
+    "ClipChanged": (1, _listed("clips", "Clip")),
+    "PlaylistChanged": (1, _listed("playlists", "Playlist")),
+    "AnglesGroupChanged": (1, _listed("anglesGroups", "AnglesGroup")),
+    "TrainChanged": (1, _listed("trains", "Train")),
+}
+
+
+def _carried(kind: str, text: str) -> Record:
+    count, take = _CARRIED[kind]
+    return take(text.split("\n", count - 1))
+
+
+def _table(kind: str, entries: List[Tuple[str, str]]) -> Mapping[str, Record]:
+    return types.MappingProxyType({key: _carried(kind, text) for key, text in entries})
 
 
 class MirrorEvent(Record):
@@ -75,17 +97,18 @@ class MirrorEvent(Record):
         return "Mirror"
 
 
-def _event(kind: str, source: int, text: str) -> MirrorEvent:
-    value = json.loads(text)
+def _event(kind: str, source: int, change: int, text: str) -> MirrorEvent:
     if kind == "SyncStateChanged":
-        fields = {"source": source, "server_id": value["serverId"], "before": value["before"],
-                  "after": value["after"]}
-    else:
-        value_class = _VALUE_CLASSES[kind]
-        fields = {"source": source, "key": value["key"], "change": value["change"],
-                  "before": _value(value_class, value["before"]),
-                  "after": _value(value_class, value["after"])}
-    return MirrorEvent(kind, fields)
+        server, before, after = text.split("\n")
+        return MirrorEvent(kind, {"source": source, "server_id": int(server), "before": before,
+                                  "after": after})
+    count, take = _CARRIED[kind]
+    lines = text.split("\n", 2 * count)
+    before, after = lines[:count], lines[count:2 * count]
+    key: Union[int, str] = int(lines[-1]) if kind == "ServerChanged" else lines[-1]
+    return MirrorEvent(kind, {"source": source, "key": key, "change": _CHANGES[change],
+                              "before": take(before) if before[0] else None,
+                              "after": take(after) if after[0] else None})
 
 
 class SourceSnapshot:
@@ -102,7 +125,11 @@ class SourceSnapshot:
     def servers(self) -> Mapping[int, Record]:
         """MirroredServer by server number: `info` (ServerInfo), `state` (its sync state) and
         `confirmed_at` (when a listing last confirmed its channels; None when never)."""
-        return _table("MirroredServer", self._native.servers(), int)
+        return types.MappingProxyType({
+            number: Record("MirroredServer", {
+                "info": _carried("ServerChanged", info), "state": state,
+                "confirmed_at": _time(confirmed)})
+            for number, state, confirmed, info in self._native.servers()})
 
     @property
     def sync_states(self) -> Dict[int, str]:
@@ -112,32 +139,32 @@ class SourceSnapshot:
     @functools.cached_property
     def players(self) -> Mapping[str, Record]:
         """PlayerState by channel ("player:1:0")."""
-        return _table("PlayerState", self._native.players())
+        return _table("PlayerChanged", self._native.players())
 
     @functools.cached_property
     def recorders(self) -> Mapping[str, Record]:
         """MirroredRecorder by channel: `state` (RecorderState), `ranges` and
         `is_loop_recording`."""
-        return _table("MirroredRecorder", self._native.recorders())
+        return _table("RecorderChanged", self._native.recorders())
 
     @functools.cached_property
     def playlists(self) -> Mapping[str, Record]:
         """Playlist by its sequence's material identifier."""
-        return _table("Playlist", self._native.playlists())
+        return _table("PlaylistChanged", self._native.playlists())
 
     @functools.cached_property
     def angles_groups(self) -> Mapping[str, Record]:
-        return _table("AnglesGroup", self._native.angles_groups())
+        return _table("AnglesGroupChanged", self._native.angles_groups())
 
     @functools.cached_property
     def trains(self) -> Mapping[str, Record]:
         """Train by its clip's material identifier."""
-        return _table("Train", self._native.trains())
+        return _table("TrainChanged", self._native.trains())
 
     def clip(self, um_id: str) -> Optional[Record]:
         """The clip of that material identifier, or None."""
         text = self._native.clip(um_id)
-        return _value("Clip", json.loads(text)) if text else None
+        return _carried("ClipChanged", text) if text else None
 
     def clip_ids(self) -> List[str]:
         """Every clip's material identifier, in no particular order."""
@@ -318,12 +345,12 @@ class Mirror:
             self._native.listen(bool(self._streams or self._waiters))
 
     def _drain(self) -> None:
-        for kind, source, _, text, name in self._native.take():
+        for kind, source, change, text, name in self._native.take():
             if kind != _NOTIFICATION:
                 continue
             try:
-                event = _event(name, source, text)
-            except (ValueError, KeyError) as error:
+                event = _event(name, source, change, text)
+            except (ValueError, KeyError, IndexError) as error:
                 self._loop.call_exception_handler({
                     "message": "tessel: could not read a mirror change", "exception": error})
                 continue
