@@ -8,6 +8,7 @@
 #   development  headers, the link-time symlink, the CMake package, the pkg-config file and the
 #                simulator library for tests (libkorvo-tessel-client-dev)
 #   tools        tessel and tessel-sim (korvo-tessel-tools)
+#   python       the Python package tessel, in Debian's dist-packages (python3-tessel)
 
 include(CMakePackageConfigHelpers)
 
@@ -85,6 +86,9 @@ set(CPACK_COMPONENTS_ALL runtime development)
 if(KORVO_BUILD_TOOLS)
     list(APPEND CPACK_COMPONENTS_ALL tools)
 endif()
+if(TARGET korvo_python)
+    list(APPEND CPACK_COMPONENTS_ALL python)
+endif()
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 # Depends on Debian's own libraries come from dpkg-shlibdeps; the packages of this project depend
@@ -121,5 +125,14 @@ set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME korvo-tessel-tools)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION net)
 set(CPACK_COMPONENT_TOOLS_DESCRIPTION
     "Tessel replay server tools: tessel and tessel-sim\n tessel drives a replay server from a shell, JSON in and out; tessel-sim simulates one.")
+
+# The module holds the client and the simulator (static layers), so it needs none of the other
+# packages: its library Depends come from dpkg-shlibdeps, the interpreter's from the version the
+# module was built for.
+set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-tessel)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS "${KORVO_PYTHON_DEB_DEPENDS}")
+set(CPACK_COMPONENT_PYTHON_DESCRIPTION
+    "Tessel replay server client for Python (asyncio)\n The Python package tessel: connections, notifications, the mirror, the simulator and its\n pytest fixture, with type stubs.")
 
 include(CPack)

@@ -82,4 +82,16 @@ printf '%-32s %10d exported symbols\n' "libKorvo.Plexis.Tessel.Client" \
 
 echo "=== a consumer against the installed packages"
 in_root /tmp/check/package/consume.sh /tmp/check/scratch
+
+if in_root dpkg -s python3-tessel >/dev/null 2>&1; then
+    echo "=== the Python package against its in-process simulator"
+    in_root python3 -c '
+import asyncio, tessel
+async def main():
+    with tessel.Simulator(servers=1, clips=3) as sim:
+        async with tessel.connect(sim.commands, sim.notifications) as server:
+            await server.ping()
+asyncio.run(main())
+print("python3-tessel: pinged the simulator")'
+fi
 echo "=== package check passed"

@@ -1,4 +1,5 @@
-"""Records a clip, loads it on a player, plays it at half speed and prints the notifications.
+"""Records a clip, loads it on a player, plays it at half speed and prints the notifications,
+then what a mirror of the server saw of the player.
 
     python3 record_and_play.py                      starts a simulator in this process
     python3 record_and_play.py tcp://host:5555 tcp://host:5556   drives that server
@@ -18,8 +19,12 @@ def show(event: tessel.Notification) -> None:
 
 
 async def drive(commands: str, notifications: str, key: Optional[str]) -> None:
-    async with tessel.connect(commands, notifications, server_key=key) as server:
+    async with tessel.connect(commands, notifications, server_key=key) as server, \
+            server.mirror() as mirror:
         server.on_notification(show)
+        if not await mirror.wait_live(10):
+            print("the mirror is not live yet:", mirror.sync_states())
+        changes = mirror.events("PlayerChanged")
         before = {clip.um_id for clip in (await server.get_clips()).clips}
 
         await server.start_recording(recorders=[RECORDER])
@@ -37,6 +42,14 @@ async def drive(commands: str, notifications: str, key: Optional[str]) -> None:
         channels = await server.get_channels()
         print("channels:", len(channels.player_states), "players")
         await asyncio.sleep(0.5)  # let the last notifications arrive
+
+        changes.close()
+        async for change in changes:
+            if change.key == PLAYER:
+                print(f"  mirror: {PLAYER} {change.change}")
+        snapshot = mirror.snapshot()
+        player = snapshot.players.get(PLAYER)
+        print("mirror:", snapshot.sync_states, "loaded", player and player.loaded_clip_um_id)
 
 
 def main() -> None:

@@ -25,8 +25,9 @@ Bridge::Bridge(PyObject* wake, std::size_t notificationBytes)
 
 void Bridge::Post(Item item) { Enqueue(std::move(item), false); }
 
-void Bridge::PostNotification(std::string family, std::string json) {
-    Enqueue(Item{kNotification, 0, 0, std::move(json), std::move(family)}, true);
+void Bridge::PostNotification(std::string family, std::string json, std::uint64_t id,
+                              int code) {
+    Enqueue(Item{kNotification, id, code, std::move(json), std::move(family)}, true);
 }
 
 void Bridge::Enqueue(Item item, bool bounded) {

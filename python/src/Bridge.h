@@ -25,8 +25,8 @@ public:
 
     struct Item {
         Kind kind;
-        std::uint64_t id;  // the call, for kDone and kPart
-        int code;          // the outcome (kDone), the state (kState)
+        std::uint64_t id;  // the call (kDone, kPart); the source of a mirror's change
+        int code;          // the outcome (kDone), the state (kState), a mirror's change
         std::string text;  // reply or notification JSON, the state's name
         std::string note;  // the reason (kDone), the family (kNotification)
     };
@@ -39,8 +39,9 @@ public:
     void Post(Item item);
 
     /// Any library thread. Dropped and counted when the waiting notifications already hold
-    /// `notificationBytes`.
-    void PostNotification(std::string family, std::string json);
+    /// `notificationBytes`. `id` and `code` travel with it (a mirror's source and change).
+    void PostNotification(std::string family, std::string json, std::uint64_t id = 0,
+                          int code = 0);
 
     /// The loop's thread, with the GIL: everything queued, as a list of
     /// (kind, id, code, text, note) tuples, in the order it was posted.

@@ -9,6 +9,7 @@
 PYBIND11_MODULE(_tessel, module) {
     module.doc() = "Native part of the tessel package; use the tessel module instead.";
     Korvo::Python::BindConnection(module);
+    Korvo::Python::BindMirror(module);
     Korvo::Python::BindSimulator(module);
     module.def("schema", &Korvo::Python::Schema);
 }

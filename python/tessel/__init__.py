@@ -8,6 +8,8 @@ See docs/python.md."""
 from ._client import NotificationStream, Server, connect
 from ._errors import (BadReply, Cancelled, LinkLost, NotSent, ServerFailure, TesselError,
                       TimedOut)
+from ._mirror import (Mirror, MirrorEvent, MirrorEventStream, MirrorSnapshot, SourceSnapshot,
+                      mirror)
 from ._records import Notification, Record
 from ._schema import COMMANDS as _COMMANDS, FAMILIES as _FAMILIES, NOTIFICATIONS as _NOTES
 from ._simulator import Simulator
@@ -20,7 +22,8 @@ NOTIFICATION_TYPES = tuple(_NOTES)
 NOTIFICATION_FAMILIES = tuple(_FAMILIES)
 
 __all__ = [
-    "BadReply", "Cancelled", "COMMAND_NAMES", "LinkLost", "NOTIFICATION_FAMILIES",
+    "BadReply", "Cancelled", "COMMAND_NAMES", "LinkLost", "Mirror", "MirrorEvent",
+    "MirrorEventStream", "MirrorSnapshot", "SourceSnapshot", "mirror", "NOTIFICATION_FAMILIES",
     "NOTIFICATION_TYPES", "NotSent", "Notification", "NotificationStream", "Record", "Server",
     "ServerFailure", "Simulator", "SyncServer", "TesselError", "TimedOut", "connect",
     "connect_sync",

@@ -11,13 +11,16 @@ import collections
 import functools
 import json
 import weakref
-from typing import (Any, AsyncIterator, Awaitable, Callable, Deque, Dict, Iterable, List,
-                    Optional, Set, Union)
+from typing import (TYPE_CHECKING, Any, AsyncIterator, Awaitable, Callable, Deque, Dict,
+                    Iterable, List, Optional, Set, Union)
 
 from . import _tessel
 from ._errors import BadReply, Cancelled, LinkLost, NotSent, ServerFailure, TimedOut
 from ._records import Notification, Record, record_from_json, to_json_fields
 from ._schema import COMMANDS, FAMILIES, NOTIFICATIONS
+
+if TYPE_CHECKING:
+    from ._mirror import Mirror
 
 _OUTCOMES = dict(_tessel.OUTCOMES)
 _ERRORS = {"NotSent": NotSent, "LinkLost": LinkLost, "TimedOut": TimedOut,
@@ -127,6 +130,8 @@ class Server:
         self._state_waiters: List[asyncio.Future[None]] = []
         if isinstance(notifications, str):
             notifications = [notifications]
+        self._endpoints = {"name": name, "commands": commands,
+                           "notifications": list(notifications or ()), "server_key": server_key}
         ref = weakref.ref(self)
 
         def drain() -> None:
@@ -186,6 +191,13 @@ class Server:
 
     async def __aexit__(self, *exc: Any) -> None:
         await self.close()
+
+    def mirror(self, **options: Any) -> "Mirror":
+        """A mirror of the servers behind this server's endpoints (see `tessel.Mirror` for the
+        options). It makes connections of its own; closing this server does not close it."""
+        from ._mirror import Mirror
+        options.setdefault("time_limit", self.time_limit)
+        return Mirror([self._endpoints], **options)
 
     # --- calls --------------------------------------------------------------------------------
 
