@@ -203,17 +203,33 @@ std::unique_ptr<Commands::CommandReply> CopyReply(const Commands::CommandReply& 
 namespace {
 
 // What the connection's callback thread hands to the thread that waits for a reply: the parts as
-// they come, then the end.
+// they come, then the end. At most a few parts wait here: while the printing thread is behind,
+// the callback thread is held, and later parts wait undecoded in the connection's reply queue,
+// which is bounded in bytes.
 struct Exchange {
+    static constexpr std::size_t kMostWaiting = 4;
+
     std::mutex mutex;
     std::condition_variable changed;
+    std::condition_variable room;
     std::deque<std::unique_ptr<Commands::CommandReply>> parts;
     bool done = false;
+    bool abandoned = false;  // the waiting thread has gone: parts are dropped
 
     void Add(std::unique_ptr<Commands::CommandReply> part) {
-        std::lock_guard<std::mutex> lock(mutex);
+        std::unique_lock<std::mutex> lock(mutex);
+        room.wait(lock, [this] { return parts.size() < kMostWaiting || abandoned; });
+        if (abandoned) {
+            return;
+        }
         parts.push_back(std::move(part));
         changed.notify_all();
+    }
+    void Abandon() {
+        std::lock_guard<std::mutex> lock(mutex);
+        abandoned = true;
+        parts.clear();
+        room.notify_all();
     }
     void End() {
         std::lock_guard<std::mutex> lock(mutex);
@@ -334,6 +350,7 @@ void Session::Call(const std::string& commandName, const CommandParams& params,
             if (!exchange->parts.empty()) {
                 auto part = std::move(exchange->parts.front());
                 exchange->parts.pop_front();
+                exchange->room.notify_all();
                 lock.unlock();
                 ++received;
                 consume(std::move(part), false);
@@ -365,6 +382,7 @@ void Session::Call(const std::string& commandName, const CommandParams& params,
             lock.unlock();
         }
         sent->cancel();
+        exchange->Abandon();
         throw;
     }
     lock.unlock();

@@ -33,7 +33,14 @@ public:
 
     void Queued() override {
         if (auto alive = operation.lock()) {
-            alive->Drain();
+            // Parts handed over one by one are taken by the callback thread, as fast as the
+            // application's callback takes them: until then they wait in the request's reply
+            // queue, which is bounded in bytes.
+            if (alive->setup.onPart) {
+                alive->engine->ScheduleDrain(std::move(alive));
+            } else {
+                alive->Drain();
+            }
         }
     }
 
@@ -145,25 +152,44 @@ void OperationCore::Launch(bool rethrow) {
         }
         handle = std::move(sent);
     }
-    Drain();
+    if (setup.onPart) {
+        engine->ScheduleDrain(shared_from_this());
+    } else {
+        Drain();
+    }
 }
 
 void OperationCore::Drain() {
-    Next next = Next::Nothing;
-    {
-        std::lock_guard<std::mutex> lock(drainMutex);
-        while (handle && handle->IsPending() && next == Next::Nothing) {
-            auto item = handle->Next(std::chrono::milliseconds(0));
-            if (item.kind == PendingCommandReply::ItemKind::TimedOut) {
-                break;
+    for (;;) {
+        Next next = Next::Nothing;
+        std::unique_ptr<Commands::CommandReply> part;
+        {
+            std::lock_guard<std::mutex> lock(drainMutex);
+            while (handle && handle->IsPending() && next == Next::Nothing && !part) {
+                auto item = handle->Next(std::chrono::milliseconds(0));
+                if (item.kind == PendingCommandReply::ItemKind::TimedOut) {
+                    break;
+                }
+                Process(std::move(item), next, part);
             }
-            Process(std::move(item), next);
+        }
+        if (!part) {
+            Follow(next);
+            return;
+        }
+        // Only with `onPart`, whose operations are drained on the callback thread: the part is
+        // handed over there, with no lock held, before the next item is taken.
+        try {
+            setup.onPart(*part);
+        } catch (...) {
+            engine->ScheduleDrain(shared_from_this());  // what is left is still taken
+            throw;
         }
     }
-    Follow(next);
 }
 
-void OperationCore::Process(PendingCommandReply::Item item, Next& next) {
+void OperationCore::Process(PendingCommandReply::Item item, Next& next,
+                            std::unique_ptr<Commands::CommandReply>& part) {
     using Kind = PendingCommandReply::ItemKind;
     if (item.kind != Kind::Partial && item.kind != Kind::Final) {
         next = End(OutcomeOfEnding(item.kind), nullptr, ReasonOfEnding(item.kind));
@@ -184,8 +210,7 @@ void OperationCore::Process(PendingCommandReply::Item item, Next& next) {
             return;
         }
         if (setup.onPart) {
-            std::shared_ptr<const Commands::CommandReply> part(std::move(built));
-            engine->Post([onPart = setup.onPart, part] { onPart(*part); });
+            part = std::move(built);
             return;
         }
         try {
@@ -358,7 +383,13 @@ void Engine::Post(std::function<void()> job) {
 }
 
 void Engine::ScheduleDrain(std::shared_ptr<OperationCore> operation) {
-    Post([operation = std::move(operation)] { operation->Drain(); });
+    if (operation->drainPosted.exchange(true)) {
+        return;  // the drain already posted takes whatever is queued when it runs
+    }
+    Post([operation = std::move(operation)] {
+        operation->drainPosted = false;
+        operation->Drain();
+    });
 }
 
 void Engine::Register(const std::shared_ptr<OperationCore>& operation) {

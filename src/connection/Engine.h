@@ -44,6 +44,7 @@ public:
     /// the payload throws ends the operation with `NotSent`, or is thrown when `rethrow`.
     void Launch(bool rethrow = false);
     /// Takes every item queued on the handle; ends the operation on the final one or an ending.
+    /// With `onPart`, runs on the callback thread only and hands each part over as it is taken.
     void Drain();
     /// Ends the operation with `outcome` unless it has ended (time limit, cancel, close).
     void Finish(Outcome outcome, std::string reason);
@@ -61,6 +62,9 @@ public:
     mutable std::mutex stateMutex;
     mutable std::condition_variable ended;
 
+    // Set while a drain of this operation waits on the callback thread's queue.
+    std::atomic<bool> drainPosted{false};
+
     // The engine's, under its mutex: where the operation waits for its time limit.
     bool registered = false;
     std::multimap<Clock::time_point, std::shared_ptr<OperationCore>>::iterator slot;
@@ -70,7 +74,9 @@ private:
     // Under `drainMutex`: records the ending (or a retry) and releases the handle.
     Next End(Outcome outcome, std::unique_ptr<HighLevelOperations::Commands::CommandReply> reply,
              std::string reason);
-    void Process(PendingCommandReply::Item item, Next& next);
+    // A part to hand over to `onPart` is left in `part`.
+    void Process(PendingCommandReply::Item item, Next& next,
+                 std::unique_ptr<HighLevelOperations::Commands::CommandReply>& part);
     // After `drainMutex` is released: what follows an ending.
     void Follow(Next next);
 

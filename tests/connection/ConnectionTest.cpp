@@ -278,6 +278,37 @@ TEST(ConnectionTest, AListingInPartsIsJoinedIntoOneReplyOrHandedOverPartByPart) 
     EXPECT_EQ(wholeIds, streamed);
 }
 
+// Parts a slow `onPart` has not taken yet wait undecoded within the command link's reply budget:
+// beyond it the listing ends as a bad reply instead of growing the client.
+TEST(ConnectionTest, PartsASlowCallbackHasNotTakenStayWithinTheReplyBudget) {
+    RouterPeer server;
+    auto options = To(server.Address());
+    options.limits.waitingReplyBytes = 16 * 1024;  // about thirty small parts
+    Connection connection(options);
+    ASSERT_TRUE(connection.WaitConnected(kPatience));
+    std::promise<void> release;
+    const std::shared_future<void> released = release.get_future().share();
+    std::atomic<int> handedOver{0};
+    using List = Commands::GetClipsCommandParams;
+    CallOptions<List> slow;
+    slow.onPart = [&](const Commands::GetClipsCommandReply&) {
+        released.wait();
+        ++handedOver;
+    };
+    auto listing = connection.Send(List{}, slow);
+    const Taken taken = Take(server);
+    constexpr int kParts = 200;
+    for (int part = 0; part < kParts; ++part) {
+        server.Reply(taken.identity, taken.ticket, "[part]GetClipsCommandReply",
+                     Naming(listing.CommandGuid().GetValue()));
+    }
+    EXPECT_TRUE(
+        Eventually([&] { return connection.Commands().GetDroppedReplies().overBudget > 0; }));
+    release.set_value();
+    EXPECT_EQ(listing.Wait(), Outcome::BadReply);
+    EXPECT_LT(handedOver.load(), kParts / 2);
+}
+
 TEST(ConnectionTest, ARetriedReadWaitsForTheLinkAndAWriteIsNeverRetried) {
     SimulatorOptions options;
     options.faults.silent = true;

@@ -130,7 +130,9 @@ struct CallOptions {
     /// Called with each part of a reply that arrives in "[part]" messages, in order, on the
     /// callback thread, before `onDone`. When set, the parts are handed over instead of being
     /// joined: the reply of the operation holds the final message only. Lets a long listing be
-    /// processed without holding all of it.
+    /// processed without holding all of it. Parts not yet handed over wait undecoded in the
+    /// command link's reply queue: when a slow callback lets more than
+    /// `CommandClient::Limits::waitingReplyBytes` wait, the operation ends with `BadReply`.
     std::function<void(const Reply&)> onPart;
     /// How many times to send a command again after `NotSent` or `LinkLost`, within the time
     /// limit. Allowed for commands that only read (`CommandTraits<Params>::kReadOnly`); a
