@@ -564,6 +564,39 @@ void MirrorEngine::StartChannels(Source& source) {
     source.connection->Send(Commands::GetServersCommandParams{}, std::move(call));
 }
 
+template <class Event, class Item, class KeyOf, class SameFn>
+void MirrorEngine::Relist(Source& source, Difference kind,
+                          std::shared_ptr<const SharedMap<std::string, Item>>& current,
+                          std::vector<Item>& listed, KeyOf keyOf, SameFn same,
+                          bool shareUnchanged) {
+    const bool verifying = source.jobs[kCatalogue].verifying;
+    auto next = std::make_shared<SharedMap<std::string, Item>>();
+    for (auto& item : listed) {
+        auto key = keyOf(item);
+        (*next)[key] = std::make_shared<const Item>(std::move(item));
+    }
+    for (const auto& [key, before] : *current) {
+        if (next->count(key) == 0) {
+            Found(source, kind, verifying);
+            Emit(Event{source.index, key, Change::Removed, before, nullptr});
+        }
+    }
+    for (auto& [key, after] : *next) {
+        const auto found = current->find(key);
+        if (found == current->end()) {
+            Found(source, kind, verifying);
+            Emit(Event{source.index, key, Change::Added, nullptr, after});
+        } else if (!same(found->second, after)) {
+            Found(source, kind, verifying);
+            Emit(Event{source.index, key, Change::Updated, found->second, after});
+        } else if (shareUnchanged) {
+            after = found->second;
+        }
+    }
+    current = std::move(next);
+    source.dirty = true;
+}
+
 void MirrorEngine::StartCatalogue(Source& source) {
     const auto generation = ++source.jobs[kCatalogue].generation;
     const std::size_t index = source.index;
@@ -587,30 +620,12 @@ void MirrorEngine::StartCatalogue(Source& source) {
                     JobFailed(source, kCatalogue, why);
                     return;
                 }
-                const bool verifying = source.jobs[kCatalogue].verifying;
-                auto next = std::make_shared<SharedMap<std::string, Data::Clips::Train>>();
-                for (auto& train : *listed) {
-                    auto key = train.clip.umId;
-                    (*next)[key] = std::make_shared<const Data::Clips::Train>(std::move(train));
-                }
-                for (const auto& [key, before] : *source.trains) {
-                    if (next->count(key) == 0) {
-                        Found(source, Difference::Train, verifying);
-                        Emit(TrainChanged{source.index, key, Change::Removed, before, nullptr});
-                    }
-                }
-                for (const auto& [key, after] : *next) {
-                    const auto found = source.trains->find(key);
-                    if (found == source.trains->end()) {
-                        Found(source, Difference::Train, verifying);
-                        Emit(TrainChanged{source.index, key, Change::Added, nullptr, after});
-                    } else if (!SameSteady(found->second, after)) {
-                        Found(source, Difference::Train, verifying);
-                        Emit(TrainChanged{source.index, key, Change::Updated, found->second, after});
-                    }
-                }
-                source.trains = std::move(next);
-                source.dirty = true;
+                // Trains record all the time: an unchanged one keeps its newer moving fields.
+                Relist<TrainChanged>(
+                    source, Difference::Train, source.trains, *listed,
+                    [](const Data::Clips::Train& train) { return train.clip.umId; },
+                    [](const auto& before, const auto& after) { return SameSteady(before, after); },
+                    false);
                 FinishJob(source, kCatalogue);
             }});
         };
@@ -637,34 +652,13 @@ void MirrorEngine::StartCatalogue(Source& source) {
                     JobFailed(source, kCatalogue, why);
                     return;
                 }
-                const bool verifying = source.jobs[kCatalogue].verifying;
-                auto next = std::make_shared<SharedMap<std::string, Data::Clips::Groups::AnglesGroup>>();
-                for (auto& group : *listed) {
-                    auto key = group.groupGuid.GetValue();
-                    (*next)[key] =
-                        std::make_shared<const Data::Clips::Groups::AnglesGroup>(std::move(group));
-                }
-                for (const auto& [key, before] : *source.anglesGroups) {
-                    if (next->count(key) == 0) {
-                        Found(source, Difference::AnglesGroup, verifying);
-                        Emit(AnglesGroupChanged{source.index, key, Change::Removed, before, nullptr});
-                    }
-                }
-                for (const auto& [key, after] : *next) {
-                    const auto found = source.anglesGroups->find(key);
-                    if (found == source.anglesGroups->end()) {
-                        Found(source, Difference::AnglesGroup, verifying);
-                        Emit(AnglesGroupChanged{source.index, key, Change::Added, nullptr, after});
-                    } else if (!Same(found->second, after)) {
-                        Found(source, Difference::AnglesGroup, verifying);
-                        Emit(AnglesGroupChanged{source.index, key, Change::Updated, found->second,
-                                                after});
-                    } else {
-                        (*next)[key] = found->second;  // keep sharing the unchanged one
-                    }
-                }
-                source.anglesGroups = std::move(next);
-                source.dirty = true;
+                Relist<AnglesGroupChanged>(
+                    source, Difference::AnglesGroup, source.anglesGroups, *listed,
+                    [](const Data::Clips::Groups::AnglesGroup& group) {
+                        return group.groupGuid.GetValue();
+                    },
+                    [](const auto& before, const auto& after) { return Same(before, after); },
+                    true);
                 trains();
             }});
         };
@@ -690,34 +684,11 @@ void MirrorEngine::StartCatalogue(Source& source) {
                     JobFailed(source, kCatalogue, why);
                     return;
                 }
-                const bool verifying = source.jobs[kCatalogue].verifying;
-                auto next = std::make_shared<SharedMap<std::string, Data::Sequences::Playlist>>();
-                for (auto& playlist : *listed) {
-                    auto key = playlist.sequence.umId;
-                    (*next)[key] =
-                        std::make_shared<const Data::Sequences::Playlist>(std::move(playlist));
-                }
-                for (const auto& [key, before] : *source.playlists) {
-                    if (next->count(key) == 0) {
-                        Found(source, Difference::Playlist, verifying);
-                        Emit(PlaylistChanged{source.index, key, Change::Removed, before, nullptr});
-                    }
-                }
-                for (const auto& [key, after] : *next) {
-                    const auto found = source.playlists->find(key);
-                    if (found == source.playlists->end()) {
-                        Found(source, Difference::Playlist, verifying);
-                        Emit(PlaylistChanged{source.index, key, Change::Added, nullptr, after});
-                    } else if (!Same(found->second, after)) {
-                        Found(source, Difference::Playlist, verifying);
-                        Emit(PlaylistChanged{source.index, key, Change::Updated, found->second,
-                                             after});
-                    } else {
-                        (*next)[key] = found->second;
-                    }
-                }
-                source.playlists = std::move(next);
-                source.dirty = true;
+                Relist<PlaylistChanged>(
+                    source, Difference::Playlist, source.playlists, *listed,
+                    [](const Data::Sequences::Playlist& playlist) { return playlist.sequence.umId; },
+                    [](const auto& before, const auto& after) { return Same(before, after); },
+                    true);
                 groups();
             }});
         };

@@ -162,6 +162,13 @@ private:
     void PutClip(Source& source, const Data::Clips::Clip& clip, bool verifying);
     void EraseClip(Source& source, const std::string& umId, bool verifying);
     void Found(Source& source, Difference kind, bool verifying);
+    // Replaces `current` with a catalogue listing's items, keyed by `keyOf`: each item added,
+    // removed or changed (by `same`) is a difference when verifying and a change event; with
+    // `shareUnchanged`, an unchanged item keeps the object earlier snapshots share.
+    template <class Event, class Item, class KeyOf, class SameFn>
+    void Relist(Source& source, Difference kind,
+                std::shared_ptr<const SharedMap<std::string, Item>>& current,
+                std::vector<Item>& listed, KeyOf keyOf, SameFn same, bool shareUnchanged);
     void ReportDifferences(Source& source, Part part);
 
     void SetServerState(Source& source, int serverId, SyncState state, bool confirmed);
