@@ -487,15 +487,24 @@ int Top(const ConnectionSettings& settings, const TopOptions& options, std::ostr
 
 void AddTopCommand(CLI::App& app, Context& context) {
     const auto options = std::make_shared<TopOptions>();
-    auto* top = Subcommand(
-        app, "top",
-        "A live view of every server, player and recorder, redrawn as they change: per server "
-        "its sync state (Syncing, Live, Stale, Lost), per player its mode, loaded material, time "
-        "code, speed and remaining time, per recorder its state and recorded length. Keys: 1-9 "
-        "one server, 0 all, s the next server, p pause, q quit (Ctrl-C too). When standard "
-        "output is not a terminal: the view as plain lines, again at each change (at most ten "
-        "a second)",
-        {"tessel top", "tessel top --once", "tessel -c tcp://replay-1:5555 -n tcp://replay-1:5556 top"});
+    const auto examples = {"tessel top", "tessel top --once",
+                           "tessel -c tcp://replay-1:5555 -n tcp://replay-1:5556 top"};
+    auto* top = Subcommand(app, "top",
+                           "A live view of servers, players and recorders, redrawn as they "
+                           "change",
+                           examples);
+    top->footer(
+        "Per server its sync state (Syncing, Live, Stale, Lost); per player its mode, loaded\n"
+        "material by name, time code, speed and remaining time; per recorder its state, time\n"
+        "code and recorded length. Redrawn when something changes, at most ten times a second.\n"
+        "\n"
+        "Keys: 1-9 one server, 0 every server, s the next server, p pause or resume, q quit\n"
+        "(Ctrl-C too; exit 0). The terminal is restored on every way out.\n"
+        "\n"
+        "When standard output is not a terminal: the view as plain lines and an empty line,\n"
+        "again at each change, until Ctrl-C or the pipe's reader goes (exit 0).\n"
+        "\n" +
+        Examples(examples));
     top->add_flag("--once", options->once,
                   "Print the view once every server and the catalogue are listed, and exit "
                   "(exit 5 when that takes longer than --timeout)");
