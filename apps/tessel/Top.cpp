@@ -192,20 +192,30 @@ private:
     int ends[2] = {-1, -1};
 };
 
-// Takes SIGINT and SIGTERM on a thread of its own (blocked everywhere else, including the
-// threads started after it), notes which came and wakes the loop.
+// Takes SIGINT, SIGTERM and SIGWINCH on a thread of its own (blocked everywhere else, including
+// the threads started after it): notes which came and wakes the loop. A resized terminal only
+// asks for a redraw; the others end the view.
 class SignalTaker {
 public:
     explicit SignalTaker(const WakePipe& wake) {
         sigemptyset(&signals);
         sigaddset(&signals, SIGINT);
         sigaddset(&signals, SIGTERM);
+        sigaddset(&signals, SIGWINCH);
         pthread_sigmask(SIG_BLOCK, &signals, nullptr);
         thread = std::thread([this, &wake] {
-            int signal = 0;
-            sigwait(&signals, &signal);
-            received = signal;
-            wake.Wake();
+            for (;;) {
+                int signal = 0;
+                sigwait(&signals, &signal);
+                if (signal == SIGWINCH) {
+                    resized = true;
+                    wake.Wake();
+                    continue;
+                }
+                received = signal;
+                wake.Wake();
+                return;
+            }
         });
     }
     // The mask stays: the process ends soon after, and a late signal must not kill it.
@@ -219,10 +229,13 @@ public:
     SignalTaker& operator=(const SignalTaker&) = delete;
 
     int Received() const { return received; }
+    // Whether the terminal was resized since the last call.
+    bool Resized() { return resized.exchange(false); }
 
 private:
     sigset_t signals{};
     std::atomic<int> received{0};
+    std::atomic<bool> resized{false};
     std::thread thread;
 };
 
@@ -456,6 +469,10 @@ int Top(const ConnectionSettings& settings, const TopOptions& options, std::ostr
         }
         if (pipeWatch && StandardOutputGone()) {
             return 0;
+        }
+        if (signals.Resized() && terminal) {
+            shown.clear();
+            keyPressed = true;
         }
         if (!terminal || (fds[1].revents & POLLIN) == 0) {
             continue;
