@@ -7,6 +7,7 @@
 
 #include "Errors.h"
 #include "Subcommands.h"
+#include "Templates.h"
 
 namespace Korvo::Plexis::Tessel::Cli {
 
@@ -16,6 +17,7 @@ struct CallOptions {
     std::string name;
     std::string parameters;
     bool list = false;
+    bool makeTemplate = false;
 };
 
 }  // namespace
@@ -29,18 +31,32 @@ void AddCallCommand(CLI::App& app, Context& context) {
          "\"speedDen\": 2}'",
          "tessel call CreateClipsCommand @new-clips.json",
          "echo '{\"players\": [\"player:1:0\"]}' | tessel call GoIdleCommand -",
-         "tessel call --list"});
+         "tessel call --list", "tessel call LoadClipsCommand --template > load.json",
+         "tessel call LoadClipsCommand @load.json"});
     call->add_option("command", options->name, "Command name, such as PlayCommand (see --list)");
     call->add_option("parameters", options->parameters,
                      "JSON object of the command's parameters; @FILE reads a file, - standard "
                      "input (at most 16 MiB); {} when absent (a missing commandGuid is "
                      "generated)");
-    call->add_flag("--list", options->list, "List the command names");
+    call->add_flag("--list", options->list,
+                   "List the commands: name, family (channel or data) and the replies each may "
+                   "receive");
+    call->add_flag("--template", options->makeTemplate,
+                   "Print the command's parameters as JSON, every field filled with a value of "
+                   "its type (a load boundary as none: add absoluteTimepoint or "
+                   "relativeFieldCount), for editing and giving back to call");
     On(call, context, [&context, options] {
         if (options->list) {
-            for (const auto& name : Json::CommandNames()) {
-                context.out << name << '\n';
+            ListCommands(context.out, context.json);
+            return 0;
+        }
+        if (options->makeTemplate) {
+            if (options->name.empty()) {
+                throw CliError(ExitCode::Usage,
+                               "call --template: a command name is required (see tessel call "
+                               "--list)");
             }
+            context.out << CommandTemplate(options->name) << '\n';
             return 0;
         }
         if (options->name.empty()) {

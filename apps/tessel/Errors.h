@@ -37,4 +37,8 @@ private:
     ExitCode code;
 };
 
+/// Ends a command that streams until its reader goes (watch) quietly, with 0: the reader of
+/// standard output has gone, so nothing more is wanted.
+struct OutputClosed {};
+
 }  // namespace Korvo::Plexis::Tessel::Cli

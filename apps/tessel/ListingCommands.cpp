@@ -17,6 +17,7 @@
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/GetTrainsCommandParams.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/PingCommandParams.h>
 
+#include "Lookup.h"
 #include "Subcommands.h"
 #include "Text.h"
 
@@ -107,7 +108,7 @@ void AddListingCommands(CLI::App& app, Context& context) {
         SignalGuard guard;
         const auto params = NewParams<Commands::PingCommandParams>();
         Session& session = context.GetSession();
-        session.Connect("PingCommand", params);  // so that the time is the round trip only
+        session.Connected();  // so that the time is the round trip only
         const auto start = std::chrono::steady_clock::now();
         auto output = context.Output();
         output.readable = [&context, start](std::ostream& out) {
@@ -165,15 +166,17 @@ void AddListingCommands(CLI::App& app, Context& context) {
     });
 
     auto* playlists = Subcommand(app, "playlists", "List playlists",
-                                 {"tessel playlists", "tessel playlists --id <umId> --json"});
-    playlists->add_option("--id", options->playlistId, "Only the playlist with this umId");
+                                 {"tessel playlists", "tessel playlists --id \"Playlist 2\" --json"});
+    playlists->add_option("--id", options->playlistId,
+                          "Only this playlist: its name, a umId prefix or its umId");
     playlists->add_flag("--no-elements", options->playlistWithoutElements,
                         "Leave the elements out");
     On(playlists, context, [&context, options] {
         auto params = NewParams<Commands::GetPlaylistsCommandParams>();
         params.elementMode = options->playlistWithoutElements ? 1 : 0;
         if (!options->playlistId.empty()) {
-            params.idFilter = Data::Guid(options->playlistId);
+            params.idFilter = Data::Guid(
+                FindMaterial(context.GetSession(), options->playlistId, Catalogue::Playlists).umId);
         }
         return context.Send("GetPlaylistsCommand", params);
     });

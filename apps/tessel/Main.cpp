@@ -16,6 +16,7 @@
 #include <Korvo/Plexis/Tessel/Logging/Loggers.h>
 #include <Korvo/Plexis/Tessel/Logging/StandardErrorLoggerFactory.h>
 
+#include "Completion.h"
 #include "Errors.h"
 #include "Subcommands.h"
 #include "Text.h"
@@ -134,8 +135,8 @@ const char* ExitCodeHelp() {
            "  5  no server: the link did not come up in time (nothing listens there, or the\n"
            "     handshake failed: wrong or missing --server-key); the message says which\n"
            "  6  bad reply: a reply could not be decoded, or the link failed while waiting\n"
-           "  7  local failure: standard output cannot be written (a closed pipe), or this host\n"
-           "     ran out of a resource (open files, memory)\n"
+           "  7  local failure: standard output cannot be written (a closed pipe; watch ends with\n"
+           "     0 instead), or this host ran out of a resource (open files, memory)\n"
            "  130, 143  SIGINT or SIGTERM ended a command; the lines printed before are whole\n"
            "\n"
            "Limits: parameters from @FILE or - are read up to 16 MiB. Replies are printed as\n"
@@ -152,14 +153,18 @@ int Main(int argc, const char* const* argv, std::istream& in, std::ostream& out,
         "tessel"};
     app.footer(ExitCodeHelp());
     app.fallthrough();
+    app.set_version_flag("--version", std::string("tessel ") + KORVO_TESSEL_VERSION);
+    // The environment gives what the command line does not.
     app.add_option("-c,--commands", context.settings.commandEndpoint,
                    "Command endpoint of the server")
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast)
-        ->capture_default_str();
+        ->capture_default_str()
+        ->envname("TESSEL_COMMANDS");
     app.add_option("-n,--notifications", context.settings.notificationEndpoint,
                    "Notification endpoint of the server")
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast)
-        ->capture_default_str();
+        ->capture_default_str()
+        ->envname("TESSEL_NOTIFICATIONS");
     app.add_option("-t,--timeout", context.timeoutSeconds,
                    "Seconds to wait for the link to come up, then for each reply message")
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast)
@@ -167,7 +172,8 @@ int Main(int argc, const char* const* argv, std::istream& in, std::ostream& out,
         ->check(SecondsInRange(kShortestTimeout, kLongestTimeout));
     app.add_option("-k,--server-key", context.settings.serverKey,
                    "The server's CURVE public key (Z85 or hex): encrypts both links")
-        ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast)
+        ->envname("TESSEL_SERVER_KEY");
     std::vector<std::string> levels{"off"};
     for (const auto& level : kLogLevels) {
         levels.emplace_back(level.first);
@@ -180,9 +186,14 @@ int Main(int argc, const char* const* argv, std::istream& in, std::ostream& out,
         "Print JSON, one object per line: each reply message (every part of a listing, then "
         "the final), or each notification");
 
+    bool completion = false;
+    app.add_flag("--bash-completion", completion, "Print the bash completion script")
+        ->group("");  // for the build, which installs the script
+
     AddCallCommand(app, context);
     AddListingCommands(app, context);
     AddPlayerCommands(app, context);
+    AddChannelCommands(app, context);
     AddRecorderCommands(app, context);
     AddMultiviewerCommands(app, context);
     AddWatchCommands(app, context);
@@ -208,6 +219,11 @@ int Main(int argc, const char* const* argv, std::istream& in, std::ostream& out,
         err << "tessel: " << Printable(message) << '\n' << std::flush;
         return static_cast<int>(code);
     };
+    if (completion) {
+        WriteBashCompletion(app, out);
+        out.flush();
+        return out ? 0 : static_cast<int>(ExitCode::Local);
+    }
     try {
         if (!context.action) {
             throw CliError(ExitCode::Usage, "a subcommand is required (see tessel --help)");
@@ -216,6 +232,9 @@ int Main(int argc, const char* const* argv, std::istream& in, std::ostream& out,
         out.flush();
         CheckOutput(out);
         return code;
+    } catch (const OutputClosed&) {
+        out.clear();
+        return static_cast<int>(ExitCode::Ok);
     } catch (const CliError& error) {
         return fail(error.GetCode(), error.what());
     } catch (const Json::JsonError& error) {

@@ -10,10 +10,12 @@
 
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/GoIdleCommandParams.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/LoadClipsCommandParams.h>
+#include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/LoadSequencesCommandParams.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/PlayCommandParams.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/StepCommandParams.h>
 
 #include "Errors.h"
+#include "Lookup.h"
 #include "Subcommands.h"
 #include "Text.h"
 
@@ -52,9 +54,11 @@ struct PlayerOptions {
     std::vector<std::string> players;  // play, pause, step, idle
     std::string speed = "1/1";         // play
     std::int32_t stepFields = 1;       // step
-    std::string loadPlayer;            // load
-    std::string loadClip;
+    std::vector<std::string> loadArguments;  // load: players, then the material
     std::int64_t loadAt = 0;
+    bool loadPlaylist = false;
+    bool loadClip = false;
+    bool loadOnAir = false;
     bool idleBlack = false;  // idle
 };
 
@@ -107,19 +111,51 @@ void AddPlayerCommands(CLI::App& app, Context& context) {
     });
 
     auto* load = Subcommand(
-        app, "load", "Load a clip on a player, cued at its in point",
-        {"tessel load 1:0 <clip umId>", "tessel load player:1:0 <clip umId> --at 4500000"});
-    load->add_option("player", options->loadPlayer, "The player")->required();
-    load->add_option("clip", options->loadClip, "The clip's umId (see tessel clips)")->required();
-    load->add_option("--at", options->loadAt, "Cue at this time point (0: the in point)")
+        app, "load",
+        "Load a clip or playlist (by name, umId prefix or umId) on players",
+        {"tessel load 1:0 \"Clip 00012\"", "tessel load 1:0 1:1 3fa4 --at 4500000",
+         "tessel load 2:0 \"Playlist 1\" --on-air", "tessel load 1:0 <umId> --playlist"});
+    load->add_option("players", options->loadArguments,
+                     "PLAYER... MATERIAL: the players, then the clip or playlist: its name (any "
+                     "case), the first digits of its umId, or its umId; a text that matches "
+                     "several is refused (exit 2) with the list")
+        ->required()
+        ->expected(2, -1);
+    load->add_option("--at", options->loadAt,
+                     "Cue at this time point (a clip; 0: the in point), or this many fields from "
+                     "the start (a playlist)")
         ->capture_default_str()
         ->check(WholeInRange(kInt64Min, kInt64Max));
+    load->add_flag("--playlist", options->loadPlaylist, "Look the name up among playlists only");
+    load->add_flag("--clip", options->loadClip, "Look the name up among clips only");
+    load->add_flag("--on-air", options->loadOnAir, "A playlist loaded for on-air diffusion");
     On(load, context, [&context, options] {
+        auto players = options->loadArguments;
+        const std::string text = players.back();
+        players.pop_back();
+        const auto channels = ChannelSet(players, Guid::Player);
+        const Catalogue where = options->loadPlaylist ? Catalogue::Playlists
+                                : options->loadClip   ? Catalogue::Clips
+                                                      : Catalogue::Both;
+        const Material material = FindMaterial(context.GetSession(), text, where);
+        if (material.kind == Material::Playlist) {
+            auto params = NewParams<Commands::LoadSequencesCommandParams>();
+            for (const auto& player : channels) {
+                Commands::LoadSequenceCommandParam what;
+                what.sequence = Data::Guid(material.umId);
+                what.durationFromBeginning = options->loadAt;
+                what.isForDiffusion = options->loadOnAir;
+                params.playersParameters[player] = what;
+            }
+            return context.Send("LoadSequencesCommand", params);
+        }
         auto params = NewParams<Commands::LoadClipsCommandParams>();
-        Commands::LoadClipCommandParam what;
-        what.clip = Data::Guid(options->loadClip);
-        what.timepoint = options->loadAt;
-        params.playersParameters[ParseChannel(options->loadPlayer, Guid::Player)] = what;
+        for (const auto& player : channels) {
+            Commands::LoadClipCommandParam what;
+            what.clip = Data::Guid(material.umId);
+            what.timepoint = options->loadAt;
+            params.playersParameters[player] = what;
+        }
         return context.Send("LoadClipsCommand", params);
     });
 

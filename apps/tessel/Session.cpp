@@ -10,41 +10,23 @@
 #include <algorithm>
 #include <cerrno>
 #include <condition_variable>
+#include <deque>
 #include <cstdio>
 #include <cstring>
 #include <mutex>
 #include <optional>
 #include <stdexcept>
+#include <typeinfo>
 
-#include <Korvo/Plexis/Tessel/Client/ZmqMessenger.h>
-#include <Korvo/Plexis/Tessel/Client/ChannelCommandReplyBuilder.h>
-#include <Korvo/Plexis/Tessel/Client/ChannelsCommandParamsPayloadBuilder.h>
 #include <Korvo/Plexis/Tessel/Client/CommandTypes.h>
-#include <Korvo/Plexis/Tessel/Client/DataCommandParamsPayloadBuilder.h>
-#include <Korvo/Plexis/Tessel/Client/DataCommandReplyBuilder.h>
-
-#include "Errors.h"
 
 namespace Korvo::Plexis::Tessel::Cli {
 
 namespace Messaging = Common::Messaging;
-using HighLevelOperations::Commands::CommandParams;
+namespace Commands = HighLevelOperations::Commands;
+using Commands::CommandParams;
 
 namespace {
-
-template <class Builder, class Base>
-std::shared_ptr<Base> Make() {
-    return std::make_shared<Builder>();
-}
-
-// The two families, in the order of `Client::CommandFamily`.
-const CommandFamily kFamilies[] = {
-    {"channel",
-     &Make<Client::ChannelsCommandParamsPayloadBuilder, Client::CommandParamsPayloadBuilder>,
-     &Make<Client::ChannelCommandReplyBuilder, Client::CommandReplyBuilder>},
-    {"data", &Make<Client::DataCommandParamsPayloadBuilder, Client::CommandParamsPayloadBuilder>,
-     &Make<Client::DataCommandReplyBuilder, Client::CommandReplyBuilder>},
-};
 
 Messaging::EndPoint WithKey(const std::string& text, const std::string& key) {
     std::optional<Messaging::EndPoint> endpoint;
@@ -148,13 +130,6 @@ ProbeResult Probe(const std::string& address, std::chrono::milliseconds limit) {
     return result;
 }
 
-// The link state of one messenger, as its handler reports it, for a wait without polling.
-struct LinkState {
-    std::mutex mutex;
-    std::condition_variable changed;
-    Messaging::ConnectionState state = Messaging::ConnectionState::Connecting;
-};
-
 }  // namespace
 
 std::string LinkFailureText(const Messaging::EndPoint& endpoint, std::chrono::milliseconds timeout,
@@ -203,128 +178,201 @@ Messaging::EndPoint ConnectionSettings::NotificationEndPoint() const {
     return WithKey(notificationEndpoint, serverKey);
 }
 
-const CommandFamily& FamilyOf(const std::string& commandName) {
+const char* FamilyOf(const std::string& commandName) {
     const auto family = Client::FamilyOfCommand(commandName);
     if (!family) {
         throw CliError(ExitCode::Usage, "unknown command \"" + commandName + "\"");
     }
-    return kFamilies[*family == Client::CommandFamily::Channel ? 0 : 1];
+    return *family == Client::CommandFamily::Channel ? "channel" : "data";
 }
+
+std::unique_ptr<Commands::CommandReply> CopyReply(const Commands::CommandReply& reply) {
+    std::unique_ptr<Commands::CommandReply> copy;
+    Client::ForEachReply([&](auto* type) {
+        using Reply = std::remove_pointer_t<decltype(type)>;
+        if (!copy && typeid(reply) == typeid(Reply)) {
+            copy = std::make_unique<Reply>(static_cast<const Reply&>(reply));
+        }
+    });
+    if (!copy) {
+        throw std::invalid_argument("a reply of a class no command receives");
+    }
+    return copy;
+}
+
+namespace {
+
+// What the connection's callback thread hands to the thread that waits for a reply: the parts as
+// they come, then the end.
+struct Exchange {
+    std::mutex mutex;
+    std::condition_variable changed;
+    std::deque<std::unique_ptr<Commands::CommandReply>> parts;
+    bool done = false;
+
+    void Add(std::unique_ptr<Commands::CommandReply> part) {
+        std::lock_guard<std::mutex> lock(mutex);
+        parts.push_back(std::move(part));
+        changed.notify_all();
+    }
+    void End() {
+        std::lock_guard<std::mutex> lock(mutex);
+        done = true;
+        changed.notify_all();
+    }
+};
+
+// The time limit given to the connection: the tool keeps its own, per message, and cancels.
+constexpr std::chrono::hours kNoLimit{48};
+
+// A sent command of any class, seen through what waiting for it needs.
+struct Sent {
+    std::function<Client::Outcome()> outcome;
+    std::function<const Commands::CommandReply*()> reply;
+    std::function<std::string()> reason;
+    std::function<void()> cancel;
+};
+
+template <class Params>
+Sent SendTyped(Client::Connection& connection, const Params& params,
+               const std::shared_ptr<Exchange>& exchange) {
+    Client::CallOptions<Params> options;
+    options.timeLimit = kNoLimit;
+    options.onPart = [exchange](const typename Client::CommandTraits<Params>::Reply& part) {
+        exchange->Add(std::make_unique<typename Client::CommandTraits<Params>::Reply>(part));
+    };
+    options.onDone = [exchange](const Client::Operation<Params>&) { exchange->End(); };
+    const auto operation = connection.Send(params, std::move(options));
+    return {[operation] { return operation.GetOutcome(); },
+            [operation] { return operation.GetReply(); },
+            [operation] { return operation.Reason(); }, [operation] { operation.Cancel(); }};
+}
+
+}  // namespace
 
 Session::Session(ConnectionSettings settings) : settings(std::move(settings)) {}
 
 Session::~Session() = default;
 
-Client::CommandClient& Session::ClientOf(const CommandFamily& family) {
-    auto& client = clients[&family];
-    if (client) {
-        return *client;
+Client::Connection& Session::Connected() {
+    if (connection) {
+        return *connection;
     }
     const Messaging::EndPoint endpoint = settings.CommandEndPoint();
-    auto link = std::make_shared<LinkState>();
-    std::unique_ptr<Client::CommandClient> made;
+    Client::ConnectionOptions options;
+    options.commandEndPoint = endpoint.ToString();
+    options.timeLimit = settings.timeout;
+    std::unique_ptr<Client::Connection> made;
     try {
-        auto messenger = std::make_unique<Client::ZmqMessenger>(
-            endpoint, Messaging::TransportOptions{}, [link](Messaging::ConnectionState state) {
-                std::lock_guard<std::mutex> lock(link->mutex);
-                link->state = state;
-                link->changed.notify_all();
-            });
-        made = std::make_unique<Client::CommandClient>(
-            std::move(messenger), family.makePayloadBuilder(), family.makeReplyBuilder());
+        made = std::make_unique<Client::Connection>(std::move(options));
     } catch (const std::exception& error) {
         throw CliError(ExitCode::Local,
                        "cannot open the link to " + endpoint.Address() + ": " + error.what());
     }
-    // A command sent on a link that is not up is dropped; wait for the link instead.
-    std::unique_lock<std::mutex> lock(link->mutex);
-    const bool up = link->changed.wait_for(lock, settings.timeout, [&] {
-        return link->state == Messaging::ConnectionState::Connected;
-    });
-    lock.unlock();
-    if (!up) {
+    // A command sent on a link that is not up is not sent; wait for the link instead.
+    if (!made->WaitConnected(settings.timeout)) {
         throw CliError(ExitCode::NoServer,
                        LinkFailureText(endpoint, settings.timeout, "--commands"));
     }
-    client = std::move(made);
-    return *client;
+    connection = std::move(made);
+    return *connection;
 }
 
-void Session::Connect(const std::string& commandName, const CommandParams& /*params*/) {
-    ClientOf(FamilyOf(commandName));
+CliError Session::Failure(const std::string& commandName, Client::Outcome outcome,
+                          const std::string& reason) const {
+    const std::string address = settings.CommandEndPoint().Address();
+    const std::string because = reason.empty() ? "" : " (" + reason + ")";
+    switch (outcome) {
+        case Client::Outcome::NotSent:
+            return CliError(ExitCode::BadReply,
+                            commandName + ": not sent: the link to " + address + " is down" +
+                                because + "; the command did not run and may be sent again");
+        case Client::Outcome::LinkLost:
+            return CliError(ExitCode::BadReply, commandName + ": the link to " + address +
+                                                    " was lost before the reply; the command "
+                                                    "may have run");
+        case Client::Outcome::TimedOut:
+            return CliError(ExitCode::TimedOut, "no reply to " + commandName + " within " +
+                                                    SecondsText(settings.timeout));
+        case Client::Outcome::BadReply:
+            return CliError(ExitCode::BadReply,
+                            commandName + ": the reply cannot be used" + because +
+                                "; the command may have run");
+        default:
+            return CliError(ExitCode::BadReply,
+                            commandName + ": the link failed while waiting for the reply" +
+                                because);
+    }
 }
 
 void Session::Call(const std::string& commandName, const CommandParams& params,
                    const ReplyConsumer& consume, const Interruption& interrupted) {
-    Client::CommandClient& client = ClientOf(FamilyOf(commandName));
-    std::unique_ptr<Client::PendingCommandReply> pending;
+    Client::Connection& link = Connected();
+    const auto exchange = std::make_shared<Exchange>();
+    std::optional<Sent> sent;
     try {
-        pending = client.Request(commandName, params);
+        Client::ForEachCommand([&](auto* type) {
+            using Params = std::remove_pointer_t<decltype(type)>;
+            if (!sent && typeid(params) == typeid(Params)) {
+                sent = SendTyped(link, static_cast<const Params&>(params), exchange);
+            }
+        });
     } catch (const std::exception& error) {
         throw CliError(ExitCode::BadInput,
                        commandName + ": the parameters cannot be sent: " + error.what());
     }
-    if (!pending) {
-        throw CliError(ExitCode::BadReply, commandName + ": the command could not be sent to " +
-                                               settings.CommandEndPoint().Address());
+    if (!sent) {
+        throw CliError(ExitCode::Usage, "unknown command \"" + commandName + "\"");
     }
-    using Kind = Client::PendingCommandReply::ItemKind;
     // Waits in slices so that a signal is seen promptly; each message has the whole time-out.
     constexpr std::chrono::milliseconds kSlice{100};
     std::size_t received = 0;
     auto deadline = std::chrono::steady_clock::now() + settings.timeout;
-    while (pending->IsPending()) {
-        if (const int signal = interrupted ? interrupted() : 0) {
-            throw CliError(static_cast<ExitCode>(128 + signal),
-                           commandName + ": interrupted after " + std::to_string(received) +
-                               (received == 1 ? " reply message" : " reply messages"));
-        }
-        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
-            deadline - std::chrono::steady_clock::now());
-        auto item = pending->Next(std::clamp(left, std::chrono::milliseconds(0), kSlice));
-        if (item.kind == Kind::TimedOut) {
-            if (left > kSlice) {
+    std::unique_lock<std::mutex> lock(exchange->mutex);
+    try {
+        while (true) {
+            if (!exchange->parts.empty()) {
+                auto part = std::move(exchange->parts.front());
+                exchange->parts.pop_front();
+                lock.unlock();
+                ++received;
+                consume(std::move(part), false);
+                deadline = std::chrono::steady_clock::now() + settings.timeout;
+                lock.lock();
                 continue;
             }
-            throw CliError(
-                ExitCode::TimedOut,
-                "no reply to " + commandName + " within " + SecondsText(settings.timeout) +
-                    (received == 0 ? "" : " after " + std::to_string(received) + " parts") +
-                    ": the link is up but the server did not answer in time; it may be busy, "
-                    "or give it longer with --timeout");
+            if (exchange->done) {
+                break;
+            }
+            if (const int signal = interrupted ? interrupted() : 0) {
+                throw CliError(static_cast<ExitCode>(128 + signal),
+                               commandName + ": interrupted after " + std::to_string(received) +
+                                   (received == 1 ? " reply message" : " reply messages"));
+            }
+            const auto now = std::chrono::steady_clock::now();
+            if (now >= deadline) {
+                throw CliError(
+                    ExitCode::TimedOut,
+                    "no reply to " + commandName + " within " + SecondsText(settings.timeout) +
+                        (received == 0 ? "" : " after " + std::to_string(received) + " parts") +
+                        ": the link is up but the server did not answer in time; it may be "
+                        "busy, or give it longer with --timeout");
+            }
+            exchange->changed.wait_until(lock, std::min(deadline, now + kSlice));
         }
-        if (item.kind == Kind::Cancelled) {
-            throw CliError(ExitCode::BadReply,
-                           commandName + ": the link failed while waiting for the reply");
+    } catch (...) {
+        if (lock.owns_lock()) {
+            lock.unlock();
         }
-        if (item.kind == Kind::NotSent) {
-            throw CliError(ExitCode::BadReply,
-                           commandName + ": not sent: the link to " +
-                               settings.CommandEndPoint().Address() +
-                               " is down; the command did not run and may be sent again");
-        }
-        if (item.kind == Kind::LinkLost) {
-            throw CliError(ExitCode::BadReply,
-                           commandName + ": the link to " + settings.CommandEndPoint().Address() +
-                               " was lost before the reply; the command may have run");
-        }
-        if (item.kind == Kind::Overflowed) {
-            throw CliError(ExitCode::BadReply,
-                           commandName + ": the replies outgrew the client's budget and were "
-                                         "dropped; the command may have run");
-        }
-        std::unique_ptr<HighLevelOperations::Commands::CommandReply> reply;
-        try {
-            reply = pending->BuildReply(item);
-        } catch (const std::exception& error) {
-            throw CliError(ExitCode::BadReply, commandName + ": the reply (" +
-                                                   item.message->GetHeader() +
-                                                   ") cannot be decoded: " + error.what());
-        }
-        ++received;
-        deadline = std::chrono::steady_clock::now() + settings.timeout;
-        consume(std::move(reply), item.kind == Kind::Final);
+        sent->cancel();
+        throw;
     }
+    lock.unlock();
+    const Client::Outcome outcome = sent->outcome();
+    if (outcome != Client::Outcome::Replied) {
+        throw Failure(commandName, outcome, sent->reason());
+    }
+    consume(CopyReply(*sent->reply()), true);
 }
 
 Replies Session::Call(const std::string& commandName, const CommandParams& params) {

@@ -1,21 +1,20 @@
 #pragma once
 
-// The tool's connection to one server: where it is, how long to wait, and one command client per
-// builder family, made on first use and connected before the first command is sent.
+// The tool's connection to one server: where it is, how long to wait, and the one `Connection` it
+// sends every command through, made on first use and connected before the first command is sent.
 
 #include <chrono>
 #include <functional>
-#include <map>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include <Korvo/Common/Messaging/EndPoint.h>
-#include <Korvo/Plexis/Tessel/Client/CommandClient.h>
-#include <Korvo/Plexis/Tessel/Client/CommandParamsPayloadBuilder.h>
-#include <Korvo/Plexis/Tessel/Client/CommandReplyBuilder.h>
+#include <Korvo/Plexis/Tessel/Client/Connection.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/CommandParams.h>
 #include <Korvo/Plexis/Tessel/HighLevelOperations/Commands/CommandReply.h>
+
+#include "Errors.h"
 
 namespace Korvo::Plexis::Tessel::Cli {
 
@@ -33,20 +32,15 @@ struct ConnectionSettings {
     Common::Messaging::EndPoint NotificationEndPoint() const;
 };
 
-/// One family of commands: the payload and reply builders that serve its names.
-struct CommandFamily {
-    const char* name;  ///< "channel" or "data"
-    std::shared_ptr<Client::CommandParamsPayloadBuilder> (*makePayloadBuilder)();
-    std::shared_ptr<Client::CommandReplyBuilder> (*makeReplyBuilder)();
-};
-
-/// The family of the command named `commandName`, as the command table gives it. Throws
+/// "channel" or "data": the builders that serve the command named `commandName`. Throws
 /// `CliError` (Usage) for a name that no command has.
-const CommandFamily& FamilyOf(const std::string& commandName);
+const char* FamilyOf(const std::string& commandName);
 
 using Replies = std::vector<std::unique_ptr<HighLevelOperations::Commands::CommandReply>>;
 
-/// Sends commands over one command client per family and hands their replies on. One thread.
+/// The tool's one `Client::Connection` to the server, made and connected on first use, and the
+/// waiting for a reply that a command line does: a message at a time, each within the time-out,
+/// a signal noticed while waiting. One thread.
 class Session {
 public:
     /// Called with each message of a reply as it arrives, decoded, and whether it is the final.
@@ -61,14 +55,15 @@ public:
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
 
-    /// Sends `commandName` with `params` and hands every message of its reply to `consume` as it
-    /// arrives, parts first, the final one last; nothing is kept here. Connects first when
-    /// needed. Throws `CliError`: NoServer when the link does not come up within the time-out
-    /// (the message says whether nothing listens there or the handshake failed), Local when the
-    /// link cannot be created at all, TimedOut when a reply message does not come within the
-    /// time-out, BadReply when a reply cannot be decoded or the link fails, BadInput when the
+    /// Sends `params` (the command `commandName`) and hands every message of its reply to
+    /// `consume` as it arrives, parts first, the final one last; nothing is kept here. Connects
+    /// first when needed. Throws `CliError`: NoServer when the link does not come up within the
+    /// time-out (the message says whether nothing listens there or the handshake failed), Local
+    /// when the link cannot be created at all, TimedOut when a reply message does not come within
+    /// the time-out, BadReply when a reply cannot be decoded or the link fails, BadInput when the
     /// parameters cannot be converted for the wire, and 128 + the signal when `interrupted`
-    /// reports one (checked at least every 100 ms while waiting). What `consume` throws passes.
+    /// reports one (checked at least every 100 ms while waiting). What `consume` throws passes,
+    /// after the command is cancelled.
     void Call(const std::string& commandName,
               const HighLevelOperations::Commands::CommandParams& params,
               const ReplyConsumer& consume, const Interruption& interrupted = {});
@@ -77,19 +72,23 @@ public:
     Replies Call(const std::string& commandName,
                  const HighLevelOperations::Commands::CommandParams& params);
 
-    /// Connects the client that `commandName` goes through, when not yet connected. Throws
-    /// `CliError` like `Call`.
-    void Connect(const std::string& commandName,
-                 const HighLevelOperations::Commands::CommandParams& params);
+    /// The connection, its command link up. Throws `CliError` as `Call` does for the link.
+    Client::Connection& Connected();
 
     const ConnectionSettings& GetSettings() const noexcept { return settings; }
 
-private:
-    Client::CommandClient& ClientOf(const CommandFamily& family);
+    /// The `CliError` for an operation that ended otherwise than `Replied`.
+    CliError Failure(const std::string& commandName, Client::Outcome outcome,
+                     const std::string& reason) const;
 
+private:
     ConnectionSettings settings;
-    std::map<const CommandFamily*, std::unique_ptr<Client::CommandClient>> clients;
+    std::unique_ptr<Client::Connection> connection;
 };
+
+/// A copy of `reply`, of its own class.
+std::unique_ptr<HighLevelOperations::Commands::CommandReply> CopyReply(
+    const HighLevelOperations::Commands::CommandReply& reply);
 
 /// Why the link to `endpoint` did not come up within `timeout`, and what to do: nothing listens
 /// at the address (refused, or the name does not resolve), or something listens but the

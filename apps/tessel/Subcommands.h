@@ -3,7 +3,7 @@
 // What the subcommands of `tessel` share: the global options, the session, the choice of what to
 // run, and the helpers that declare a subcommand. Each group of subcommands is declared in a file
 // of its own (CallCommand, ListingCommands, PlayerCommands, RecorderCommands,
-// MultiviewerCommands, WatchCommands) and owns its options there.
+// ChannelCommands, MultiviewerCommands, WatchCommands) and owns its options there.
 
 #include <cstdint>
 #include <functional>
@@ -97,6 +97,7 @@ std::set<Data::Channels::Guid> ChannelSet(const std::vector<std::string>& texts,
 void AddCallCommand(CLI::App& app, Context& context);
 void AddListingCommands(CLI::App& app, Context& context);
 void AddPlayerCommands(CLI::App& app, Context& context);
+void AddChannelCommands(CLI::App& app, Context& context);
 void AddRecorderCommands(CLI::App& app, Context& context);
 void AddMultiviewerCommands(CLI::App& app, Context& context);
 void AddWatchCommands(CLI::App& app, Context& context);

@@ -7,6 +7,7 @@
 #include <istream>
 #include <optional>
 #include <ostream>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -65,14 +66,38 @@ P NewParams() {
     return params;
 }
 
+/// What `Watch` prints and when it stops.
+struct WatchRequest {
+    /// The topics subscribed to (a family name, optionally "/<server name>"); empty: all.
+    std::vector<std::string> topics;
+    /// The notification type names printed; empty: every type that the topics bring.
+    std::set<std::string> types;
+    bool json = false;
+    /// Stop after this many notifications printed; none: until a signal.
+    std::optional<std::size_t> count;
+    /// Written (with one line, "ready") once subscribed, when not empty.
+    std::string readyFile;
+};
+
+/// The topics and type filter of `watch`'s arguments: each is a family name (ClipCommand,
+/// ClipStatus, ChannelStatus, ServerStatus) or a notification type name (PlayerStateChanged,
+/// ...), optionally followed by "/<server name>". A type name subscribes to its family and prints
+/// that type only. Throws `CliError` (Usage) for any other name, listing the valid ones.
+void ParseWatchTopics(const std::vector<std::string>& arguments, WatchRequest& request);
+
 /// Prints the notifications that arrive on `settings`' notification endpoint, one line each (JSON
-/// with `json`), until SIGINT or SIGTERM, or until `count` have been printed. Blocks both signals
-/// in the calling thread and the threads it starts; call it before any other thread exists.
-/// Returns 0. Throws `CliError`: NoServer when the link does not come up within
-/// `settings.timeout`, Local when `out` cannot be written (also noticed, within a quarter of a
-/// second, when `out` is standard output and the pipe's reader has gone).
-int Watch(const ConnectionSettings& settings, const std::vector<std::string>& topics, bool json,
-          std::optional<std::size_t> count, std::ostream& out, std::ostream& err);
+/// with `request.json`), until SIGINT or SIGTERM, until `request.count` have been printed, or
+/// until the reader of standard output has gone. Once subscribed it says so on `err` ("tessel:
+/// ready: ...") and writes `request.readyFile`: every notification endpoint completed its
+/// handshake (ZeroMQ sends the subscription ahead of anything else on it) and then the server
+/// answered a ping on the command endpoint (when that fails within the time-out, the line says
+/// so and only the handshake stands). Blocks SIGINT and SIGTERM in the calling thread and the
+/// threads it starts, and ignores SIGPIPE; call it before any other thread exists. Returns 0;
+/// throws `OutputClosed` when standard output is a pipe whose reader has gone. Throws `CliError`: NoServer when
+/// the link does not come up within `settings.timeout`, Local when `out` cannot be written for
+/// another reason or the ready file cannot be written.
+int Watch(const ConnectionSettings& settings, const WatchRequest& request, std::ostream& out,
+          std::ostream& err);
 
 /// Starts a simulator in this process and walks through a scenario against it, narrating each
 /// step and the notifications it causes. Returns 0 when every step succeeded; throws `CliError`

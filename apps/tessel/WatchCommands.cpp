@@ -15,6 +15,7 @@ namespace {
 struct WatchOptions {
     std::vector<std::string> topics;
     std::size_t count = 0;
+    std::string readyFile;
 };
 
 }  // namespace
@@ -23,23 +24,38 @@ void AddWatchCommands(CLI::App& app, Context& context) {
     const auto options = std::make_shared<WatchOptions>();
     auto* watch =
         Subcommand(app, "watch",
-                   "Print notifications as they arrive, until Ctrl-C (the link must come "
-                   "up within --timeout)",
+                   "Print notifications as they arrive, until Ctrl-C, --count or the reader of "
+                   "the output going (exit 0); the link must come up within --timeout (else "
+                   "exit 5).\n"
+                   "Once subscribed, it writes \"tessel: ready: ...\" on standard error (and "
+                   "--ready-file). Ready means: the handshake on the notification endpoint has "
+                   "completed, so ZeroMQ has sent the subscription ahead of anything else on that "
+                   "link, and then the server answered a ping on the command endpoint. ZeroMQ "
+                   "does not acknowledge a subscription: a change made after the ready line is "
+                   "read is printed by a server that reads its sockets in turn, as tessel-sim "
+                   "does. When the ping is not answered within --timeout the line says so and "
+                   "only the handshake stands.",
                    {"tessel watch", "tessel watch ChannelStatus",
                     "tessel watch ClipCommand/replay-1 ClipStatus --json",
+                    "tessel watch --count 1 PlayerStateChanged --ready-file /tmp/ready",
                     "tessel watch --count 1 ServerStatus"});
     watch->add_option("topics", options->topics,
-                      "Topic prefixes: ClipCommand, ClipStatus, ChannelStatus, ServerStatus, "
-                      "optionally /<server name>; all when none");
+                      "Families (ClipCommand, ClipStatus, ChannelStatus, ServerStatus) or "
+                      "notification types (PlayerStateChanged, ...), optionally /<server name>; "
+                      "all when none; another name is refused (exit 2)");
+    watch->add_option("--ready-file", options->readyFile,
+                      "Write \"ready\" to this file once subscribed (see above)");
     auto* count = watch->add_option("--count", options->count, "Stop after this many notifications")
                       ->check(WholeInRange(1, kInt64Max));
     On(watch, context, [&context, options, count] {
-        std::optional<std::size_t> limit;
+        WatchRequest request;
+        ParseWatchTopics(options->topics, request);
+        request.json = context.json;
         if (count->count() != 0) {
-            limit = options->count;
+            request.count = options->count;
         }
-        return Watch(context.settings, options->topics, context.json, limit, context.out,
-                     context.err);
+        request.readyFile = options->readyFile;
+        return Watch(context.settings, request, context.out, context.err);
     });
 
     auto* demo = Subcommand(app, "demo",
