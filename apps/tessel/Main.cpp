@@ -21,6 +21,7 @@
 #include "Subcommands.h"
 #include "Text.h"
 #include "Tool.h"
+#include "Top.h"
 
 namespace Korvo::Plexis::Tessel::Cli {
 
@@ -196,6 +197,7 @@ int Main(int argc, const char* const* argv, std::istream& in, std::ostream& out,
     AddRecorderCommands(app, context);
     AddMultiviewerCommands(app, context);
     AddWatchCommands(app, context);
+    AddTopCommand(app, context);
 
     try {
         app.parse(argc, argv);
