@@ -219,8 +219,9 @@ Settlement Mirror::Settle(const Commands::CommandParams& sent, std::size_t index
         }
     } else if (const auto* load = dynamic_cast<const Commands::LoadClipsCommandParams*>(&sent)) {
         for (const auto& [id, what] : load->playersParameters) {
-            judge.Player(id, [&](const PlayerState& state) {
-                return state.loadedClipUmId == what.clip.GetValue();
+            const std::string& clip = what.clip.GetValue();
+            judge.Player(id, [&clip](const PlayerState& state) {
+                return state.loadedClipUmId == clip;
             });
         }
     } else if (const auto* idle = dynamic_cast<const Commands::GoIdleCommandParams*>(&sent)) {
